@@ -1,0 +1,3 @@
+#include "foundation/HException.h"
+
+int HException::m_count = 0;

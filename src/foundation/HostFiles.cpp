@@ -1,0 +1,195 @@
+#include "foundation/FileAccess.h"
+#include "foundation/Text.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+/// A descriptor that closes itself.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : m_number(number) {}
+    ~Descriptor() {
+        if (m_number >= 0)
+            ::close(m_number);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    bool isOpen() const { return m_number >= 0; }
+    int number() const { return m_number; }
+    /// 0 or the error number. A delayed write error shows here.
+    int close() { return ::close(std::exchange(m_number, -1)) == 0 ? 0 : errno; }
+
+private:
+    int m_number;
+};
+
+qint64 nanoseconds(const timespec& time) { return qint64{time.tv_sec} * 1'000'000'000 + time.tv_nsec; }
+
+FileBytes failure(FileBytes::Result result, int error) {
+    FileBytes bytes;
+    bytes.result = result;
+    bytes.error = error;
+    return bytes;
+}
+
+/// The temporary name lies beside the file, so that the rename stays within one file system.
+QByteArray temporaryNameFor(const QByteArray& target) { return target + ".XXXXXX"; }
+
+int writeAll(int descriptor, std::string_view contents) {
+    while (!contents.empty()) {
+        const ssize_t written = ::write(descriptor, contents.data(), contents.size());
+        if (written < 0 && errno != EINTR)
+            return errno;
+        if (written > 0)
+            contents.remove_prefix(static_cast<size_t>(written));
+    }
+    return 0;
+}
+
+/// The permissions that a new file gets where an old one stood, or those of any new file.
+mode_t modeFor(const QByteArray& target) {
+    struct stat old {};
+    if (::stat(target.constData(), &old) == 0)
+        return old.st_mode & 07777;
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return 0666 & ~mask;
+}
+
+class HostFiles : public FileAccess {
+public:
+    FileBytes read(const QString& path, size_t most) override;
+    FileStatus status(const QString& path) override;
+    QList<QString> list(const QString& directory) override;
+    int replace(const QString& path, std::string_view contents) override;
+    int remove(const QString& path) override { return ::unlink(toBytes(path).constData()) == 0 ? 0 : errno; }
+    int makeDirectory(const QString& path) override {
+        return ::mkdir(toBytes(path).constData(), 0777) == 0 ? 0 : errno;
+    }
+};
+
+FileBytes HostFiles::read(const QString& path, size_t most) {
+    const Descriptor file(::open(toBytes(path).constData(), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen())
+        return failure(FileBytes::CannotOpen, errno);
+    struct stat info {};
+    if (::fstat(file.number(), &info) != 0)
+        return failure(FileBytes::CannotRead, errno);
+
+    FileBytes bytes;
+    size_t expected = std::min(static_cast<size_t>(info.st_size), most);
+    bytes.data.reset(static_cast<char*>(std::malloc(expected + 1)));
+    while (bytes.data) {
+        const size_t wanted = std::min(expected + 1, most) - bytes.size;
+        const ssize_t got = ::read(file.number(), bytes.data.get() + bytes.size, wanted);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return failure(FileBytes::CannotRead, errno);
+        bytes.size += static_cast<size_t>(got);
+        const bool asExpected = S_ISREG(info.st_mode) && bytes.size == expected;
+        if (got == 0 || asExpected || bytes.size == most) {
+            bytes.data.get()[bytes.size] = '\0';
+            bytes.result = FileBytes::Ok;
+            return bytes;
+        }
+        if (bytes.size > expected) { // a pipe, or a file that grows while it is read
+            expected = std::min(2 * expected + 4096, most);
+            bytes.data.reset(static_cast<char*>(std::realloc(bytes.data.release(), expected + 1)));
+        }
+    }
+    return failure(FileBytes::CannotRead, ENOMEM);
+}
+
+FileStatus HostFiles::status(const QString& path) {
+    const QByteArray name = toBytes(path);
+    struct stat info {};
+    FileStatus status;
+    if (::stat(name.constData(), &info) != 0)
+        return status;
+    status.kind = S_ISREG(info.st_mode)   ? FileStatus::File
+                  : S_ISDIR(info.st_mode) ? FileStatus::Directory
+                                          : FileStatus::Other;
+    status.size = info.st_size;
+    status.modified = nanoseconds(info.st_mtim);
+    status.accessed = nanoseconds(info.st_atim);
+    status.changed = nanoseconds(info.st_ctim);
+    return status;
+}
+
+QList<QString> HostFiles::list(const QString& directory) {
+    QList<QString> names;
+    const std::unique_ptr<DIR, int (*)(DIR*)> handle(::opendir(toBytes(directory).constData()), &::closedir);
+    if (!handle)
+        return names;
+    while (const dirent* entry = ::readdir(handle.get())) {
+        const std::string_view name(entry->d_name);
+        if (name != "." && name != "..")
+            names.append(toText(name));
+    }
+    return names;
+}
+
+int HostFiles::replace(const QString& path, std::string_view contents) {
+    const QString resolved = resolvedPath(path);
+    const QByteArray target = toBytes(resolved.isNull() ? path : resolved);
+    QByteArray temporary = temporaryNameFor(target);
+    Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
+    if (!file.isOpen())
+        return errno;
+    int error = writeAll(file.number(), contents);
+    if (error == 0 && ::fchmod(file.number(), modeFor(target)) != 0)
+        error = errno;
+    if (error == 0 && ::fsync(file.number()) != 0)
+        error = errno;
+    if (const int closed = file.close(); error == 0)
+        error = closed;
+    if (error == 0 && ::rename(temporary.constData(), target.constData()) != 0)
+        error = errno;
+    if (error != 0)
+        ::unlink(temporary.constData());
+    return error;
+}
+
+HostFiles hostFiles;
+FileAccess* current = &hostFiles;
+
+} // namespace
+
+FileAccess& files() { return *current; }
+
+FilesInPlace::FilesInPlace(FileAccess* files) : m_former(std::exchange(current, files)) {}
+
+FilesInPlace::~FilesInPlace() { current = m_former; }
+
+bool isAccessible(const QString& path, AccessMode mode) {
+    return ::access(toBytes(path).constData(), mode == AccessMode::Read ? R_OK : W_OK) == 0;
+}
+
+QString currentDirectory() {
+    char buffer[PATH_MAX];
+    return ::getcwd(buffer, sizeof buffer) ? toText(buffer) : QString("");
+}
+
+QString resolvedPath(const QString& path) {
+    const std::unique_ptr<char, FileBytes::Free> resolved(::realpath(toBytes(path).constData(), nullptr));
+    return resolved ? toText(resolved.get()) : QString();
+}
+
+QString environmentVariable(const char* name) {
+    const char* value = ::getenv(name);
+    return value ? toText(value) : QString();
+}
+
+QString systemError(int error) { return toText(std::strerror(error)); }

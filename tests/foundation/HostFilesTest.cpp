@@ -1,0 +1,67 @@
+#include "foundation/FileAccess.h"
+#include "foundation/Text.h"
+#include "support/TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+class HostFiles : public testing::Test {
+protected:
+    TemporaryDirectory dir;
+    QString at(const char* name) { return dir.path() + "/" + name; }
+    std::string contents(const QString& path) { return std::string(files().read(path).view()); }
+};
+
+} // namespace
+
+TEST_F(HostFiles, ReadsWhatWasReplaced) {
+    EXPECT_EQ(files().replace(at("a"), std::string_view("x\0y", 3)), 0);
+    EXPECT_EQ(contents(at("a")), std::string("x\0y", 3));
+    EXPECT_EQ(files().read(at("a"), 1).view(), "x");
+    const FileStatus status = files().status(at("a"));
+    EXPECT_EQ(status.kind, FileStatus::File);
+    EXPECT_EQ(status.size, 3);
+    EXPECT_EQ(files().read(at("b")).error, ENOENT);
+    EXPECT_EQ(files().read(dir.path()).result, FileBytes::CannotRead);
+}
+
+TEST_F(HostFiles, NamesOfAnyBytesPassUnharmed) {
+    const QString name = dir.path() + toText("/\xC3\xA9\xFF\x80");
+    EXPECT_EQ(files().makeDirectory(name), 0);
+    EXPECT_EQ(files().replace(name + "/x", "1"), 0);
+    EXPECT_THAT(files().list(dir.path()), testing::ElementsAre(toText("\xC3\xA9\xFF\x80")));
+    EXPECT_EQ(::access((dir.bytes() + "/\xC3\xA9\xFF\x80/x").c_str(), F_OK), 0);
+}
+
+TEST_F(HostFiles, ReplaceKeepsPermissionsAndLinksAndLeavesNothingBehind) {
+    files().replace(at("real"), "old");
+    ::chmod((dir.bytes() + "/real").c_str(), 0640);
+    ASSERT_EQ(::symlink("real", (dir.bytes() + "/link").c_str()), 0);
+    EXPECT_EQ(files().replace(at("link"), "new"), 0);
+    EXPECT_EQ(contents(at("real")), "new");
+    struct stat info {};
+    ::lstat((dir.bytes() + "/link").c_str(), &info);
+    EXPECT_TRUE(S_ISLNK(info.st_mode));
+    ::stat((dir.bytes() + "/real").c_str(), &info);
+    EXPECT_EQ(info.st_mode & 0777, 0640u);
+    EXPECT_THAT(files().list(dir.path()), testing::UnorderedElementsAre("real", "link"));
+    EXPECT_EQ(files().replace(at("no/such/dir"), "x"), ENOENT);
+    EXPECT_EQ(files().replace(dir.path(), "x"), EISDIR);
+    EXPECT_EQ(files().list(dir.path()).size(), 2);
+}
+
+TEST_F(HostFiles, ReadsAPipeToItsEnd) {
+    const std::string pipe = dir.bytes() + "/pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const std::string text(300'000, 'p');
+    std::thread writer([&] {
+        std::unique_ptr<FILE, int (*)(FILE*)> out(std::fopen(pipe.c_str(), "wb"), &std::fclose);
+        std::fwrite(text.data(), 1, text.size(), out.get());
+    });
+    EXPECT_EQ(contents(at("pipe")), text);
+    writer.join();
+}
