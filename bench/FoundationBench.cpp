@@ -15,7 +15,10 @@ namespace {
 std::vector<std::string> names(size_t count) {
     std::vector<std::string> result;
     for (size_t i = 0; i < count; ++i)
-        result.push_back((i % 3 == 0 ? "_handler_" : i % 3 == 1 ? "src/driver/module_" : "L") + std::to_string(i * 7));
+        result.push_back((i % 3 == 0   ? "_handler_"
+                          : i % 3 == 1 ? "src/driver/module_"
+                                       : "L") +
+                         std::to_string(i * 7));
     std::vector<std::string> repeated;
     for (int round = 0; round < 10; ++round)
         repeated.insert(repeated.end(), result.begin(), result.end());
@@ -26,7 +29,8 @@ void internStrings(benchmark::State& state) {
     const auto texts = names(static_cast<size_t>(state.range(0)));
     for (auto _ : state)
         for (const std::string& text : texts)
-            benchmark::DoNotOptimize(HString::intern(text.data(), static_cast<int>(text.size()), HString::AsIs));
+            benchmark::DoNotOptimize(
+                HString::intern(text.data(), static_cast<int>(text.size()), HString::AsIs));
     state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(texts.size()));
 }
 

@@ -1,5 +1,5 @@
-// Expansion of a text without a reference and with three, in a map of the size that a build uses. Allocations are
-// counted, since a text without a reference must cost none.
+// Expansion of a text without a reference and with three, in a map of the size that a build uses. Allocations
+// are counted, since a text without a reference must cost none.
 
 #include "macros/MacroSystem.h"
 
@@ -13,9 +13,9 @@ size_t allocations = 0;
 
 MacroMap buildMacros() {
     MacroMap macros = macroSystem.systemMacros();
-    for (const char* name :
-         {"ProjectDir", "ProjectName", "Configuration", "OutDir", "IntDir", "InputName", "InputPath", "OBJ", "EXE",
-          "LIB", "TarnDir", "TargetsDir", "PackagesDir", "SolutionDir", "RelInputPath", "InputFileName"})
+    for (const char* name : {"ProjectDir", "ProjectName", "Configuration", "OutDir", "IntDir", "InputName",
+                             "InputPath", "OBJ", "EXE", "LIB", "TarnDir", "TargetsDir", "PackagesDir",
+                             "SolutionDir", "RelInputPath", "InputFileName"})
         macros[name] = QString("/home/user/work/") + name;
     return macros;
 }
