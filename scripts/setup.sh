@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# Installs the packages that building and testing need, by name, on Debian 12. Prints nothing when all are there.
+set -euo pipefail
+
+packages=(
+    cmake ninja-build g++ qt6-base-dev            # the programs
+    libgtest-dev libgmock-dev python3             # the tests
+    libbenchmark-dev libpugixml-dev libexpat1-dev # the benchmarks and the peers in them
+    clang-14 libclang-rt-14-dev clang-format-14   # the fuzz targets, the format check
+)
+
+missing=()
+for package in "${packages[@]}"; do
+    state=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
+    [ "$state" = installed ] || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+if [ "$(id -u)" -eq 0 ]; then
+    root=()
+elif command -v sudo >/dev/null; then
+    root=(sudo)
+else
+    echo "setup: these packages are missing, and installing them needs root: ${missing[*]}" >&2
+    echo "setup: run as root: apt-get install ${missing[*]}" >&2
+    exit 1
+fi
+
+echo "setup: installing ${missing[*]}"
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+install() {
+    "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends "${missing[@]}"
+}
+if ! install >"$log" 2>&1; then
+    "${root[@]}" apt-get update >>"$log" 2>&1 || true
+    if ! install >>"$log" 2>&1; then
+        tail -n 20 "$log" >&2
+        echo "setup: could not install: ${missing[*]}" >&2
+        exit 1
+    fi
+fi
