@@ -32,6 +32,11 @@ QString sharedText(const char* value) {
     return slot;
 }
 
+Symbol fileNameSymbol() {
+    static const Symbol symbol = Symbol::of(QString("file_name"));
+    return symbol;
+}
+
 } // namespace
 
 ProjectElement::ProjectElement(const QString& tag) : m_kind(kindOf(tag)) {}
@@ -170,16 +175,20 @@ std::vector<ProjectElement::Attribute> ProjectElement::attributes() const {
 }
 
 void ProjectElement::setFileName(const QString& name, bool) {
-    store(Symbol::of(QString("file_name")), name);
+    store(fileNameSymbol(), name);
     m_fileStuffDone = false;
+}
+
+void ProjectElement::setImported(const QString& fileName) {
+    store(fileNameSymbol(), fileName);
+    m_imported = true;
 }
 
 QString ProjectElement::getName() {
     static const Symbol nameSymbol = Symbol::of(QString("Name"));
-    static const Symbol fileName = Symbol::of(QString("file_name"));
     if (const Attribute* name = find(nameSymbol); name && !name->value.isEmpty())
         return name->value;
-    if (!find(fileName))
+    if (!find(fileNameSymbol()))
         return "<NULL>";
     checkDoFileStuff();
     return path().fileName();

@@ -122,7 +122,8 @@ public:
     void setFileTypeCache(const QString& type) { makeFileStuff().fileTypeCache = type; }
     /// Whether the node came from an import.
     bool imported() const { return m_imported; }
-    void setImported() { m_imported = true; }
+    /// Marks a solution as imported under this name, text as written. Its file stays.
+    void setImported(const QString& fileName);
     /// Of a solution: every project below it by listing key.
     const ElementMap& projects() const;
     void setProjects(ElementMap projects);

@@ -140,6 +140,10 @@ public:
     /// What tells the variants of the standard libraries apart in their names; null for none.
     virtual QString libraryVariant(ProjectElement* project, const QString& configName) const;
 
+protected:
+    /// Takes a child out of the tree and destroys it, also while a load is going on.
+    void discard(ProjectElement* parent, ProjectElement* child);
+
 private:
     /// What one load has read so far, bounded so that files that import each other end.
     struct Load {
@@ -161,6 +165,7 @@ private:
                                                     ProjectFileNotFoundErrorHandler* fileHandler);
     std::unique_ptr<ProjectElement> importElement(const QString& directory, const XMLElement& xmlElement,
                                                   ProjectFileNotFoundErrorHandler* fileHandler);
+    void checkNesting(int levels, int solutions) const;
     std::unique_ptr<ProjectElement> makeElement(const XMLElement& xmlElement);
     void listSolution(ProjectElement* solution);
     void collect(ElementMap& projects, const QString& prefix, ProjectElement* solution);
