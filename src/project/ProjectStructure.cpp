@@ -202,10 +202,10 @@ QStringList matchingFiles(const QString& directory, const QString& filter) {
     const QStringList patterns = filterPatterns(filter);
     QStringList names;
     for (const QString& name : files().list(directory)) {
-        const bool matches = patterns.isEmpty() ||
-                             std::any_of(patterns.begin(), patterns.end(), [&](const QString& pattern) {
-                                 return wildcardMatches(pattern, name, Qt::CaseInsensitive);
-                             });
+        const bool matches =
+            patterns.isEmpty() || std::any_of(patterns.begin(), patterns.end(), [&](const QString& pattern) {
+                return wildcardMatches(pattern, name, Qt::CaseInsensitive);
+            });
         if (matches && !name.startsWith(u'.') &&
             files().status(directory + "/" + name).kind == FileStatus::File)
             names.append(name);

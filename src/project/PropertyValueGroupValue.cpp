@@ -18,8 +18,7 @@ void PropertyValueGroupValue::setPropertyValue(const QString& text, bool flag) {
     if (!entry)
         return;
     for (const PropertyValueGroupEntry::Property& property : entry.properties()) {
-        const QString& target =
-            property.configuration.isNull() ? configuration() : property.configuration;
+        const QString& target = property.configuration.isNull() ? configuration() : property.configuration;
         system().setProperty(node(), property.name, target, property.value, flag);
     }
 }
