@@ -221,9 +221,13 @@ QStringList matchingFiles(const QString& directory, const QString& filter) {
 
 void ProjectSystem::populateDynamicFolder(ProjectElement* folder) {
     const QString path = folder->attribute("path");
-    const QString directory = path.startsWith(u'$')
-                                  ? MacroSystem::replaceMacros(macroSystem.globalMacros(true), path)
-                                  : QString(defaultFileLocation(folder) + "/" + path);
+    QString directory;
+    if (path.startsWith(u'$')) {
+        directory = MacroSystem::replaceMacros(macroSystem.globalMacros(true), path);
+    } else {
+        const QString base = defaultFileLocation(folder);
+        directory = (base.isNull() ? folder->solutionDirectory() : base) + "/" + path;
+    }
     QSet<QString> present;
     for (ProjectElement* child = folder->firstChild(); child; child = child->nextSibling()) {
         if (child->is(ProjectElement::File))

@@ -180,7 +180,8 @@ TEST_F(SolutionLoad, DynamicFolderHoldsTheMatchingFilesOnce) {
              "<folder Name=\"1\" path=\"src\" filter=\"*.c;*.s43\"><file file_name=\"src/b.c\"/></folder>"
              "<folder Name=\"2\" path=\"src\" filter=\"*.h ?.c\"/>"
              "<folder Name=\"3\" path=\"$(Shared)\"/>"
-             "<folder Name=\"4\" path=\"missing\"/></project>");
+             "<folder Name=\"4\" path=\"missing\"/></project>"
+             "<folder Name=\"loose\" path=\"src\" filter=\"*.h\"/>");
     EXPECT_EQ(dump(root), "solution Name=\"app\" version=\"2\"\n"
                           "  project Name=\"p\"\n"
                           "    folder Name=\"1\" filter=\"*.c;*.s43\" path=\"src\"\n"
@@ -192,7 +193,9 @@ TEST_F(SolutionLoad, DynamicFolderHoldsTheMatchingFilesOnce) {
                           "      file file_name=\"src/b.c\"\n"
                           "    folder Name=\"3\" path=\"$(Shared)\"\n"
                           "      file file_name=\"$(Shared)/x.c\"\n"
-                          "    folder Name=\"4\" path=\"missing\"\n");
+                          "    folder Name=\"4\" path=\"missing\"\n"
+                          "  folder Name=\"loose\" filter=\"*.h\" path=\"src\"\n"
+                          "    file file_name=\"src/a.h\"\n");
     EXPECT_FALSE(root->modified());
 }
 
