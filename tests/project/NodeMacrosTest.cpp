@@ -1,6 +1,6 @@
 #include "project/NodeMacros.h"
 #include "macros/MacroSystem.h"
-#include "project/SolutionFixture.h"
+#include "support/SolutionFixture.h"
 
 class NodeMacrosOf : public SolutionFixture {
 protected:

@@ -1,6 +1,6 @@
 #include "project/ProjectElement.h"
 #include "macros/MacroSystem.h"
-#include "project/SolutionFixture.h"
+#include "support/SolutionFixture.h"
 #include "support/XMLText.h"
 
 namespace {

@@ -1,5 +1,5 @@
-#include "project/SolutionFixture.h"
 #include "project/Wildcard.h"
+#include "support/SolutionFixture.h"
 
 #include <random>
 

@@ -1,6 +1,6 @@
 #include "project/ProjectTemplates.h"
 #include "macros/MacroSystem.h"
-#include "project/SolutionFixture.h"
+#include "support/SolutionFixture.h"
 
 using ::testing::ElementsAre;
 

@@ -1,7 +1,7 @@
 #include "project/PropertyValueGroupValue.h"
 #include "macros/MacroSystem.h"
-#include "project/SolutionFixture.h"
 #include "properties/PropertyValueGroups.h"
+#include "support/SolutionFixture.h"
 
 class GroupValue : public SolutionFixture {
 protected:

@@ -1,6 +1,6 @@
 #include "project/MessageReceiver.h"
 #include "project/ProjectPropertyValue.h"
-#include "project/SolutionFixture.h"
+#include "support/SolutionFixture.h"
 
 using ::testing::ElementsAre;
 

@@ -1,5 +1,5 @@
 #include "macros/MacroSystem.h"
-#include "project/SolutionFixture.h"
+#include "support/SolutionFixture.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 #include "query/SolutionCommands.h"
-#include "project/SolutionFixture.h"
+#include "support/SolutionFixture.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
