@@ -10,14 +10,15 @@
 
 namespace {
 
-/// The words as a text that must give them again.
+/// The words as a text that must give them again. A "\" at a word's end stays outside the quotes, for in
+/// front of the closing one it would turn that into a character.
 QString quoted(const QStringList& words) {
     QString text;
-    for (QString word : words) {
-        // Behind a "\" a quote that ends the word would be taken for a character.
-        const bool isPlain = word.endsWith(u'\\');
-        word.replace("\"", "\\\"").replace(" ", "\" \"");
-        text += isPlain ? word + " " : "\"" + word + "\" ";
+    for (const QString& word : words) {
+        qsizetype end = word.size();
+        while (end > 0 && word[end - 1] == u'\\')
+            --end;
+        text += "\"" + word.left(end).replace("\"", "\\\"") + "\"" + word.mid(end) + " ";
     }
     return text;
 }
