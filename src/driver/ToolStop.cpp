@@ -85,5 +85,6 @@ void ToolStop::forgetEnded(int milliseconds) {
 void ToolStop::finish() {
     for (forgetEnded(0); !m_running.empty() && !m_isKilled; forgetEnded(untilNextStep()))
         step();
-    forgetEnded(afterKill); // a process that hangs in the system can't be waited for
+    if (!m_running.empty())
+        forgetEnded(afterKill); // no longer: a process may hang in the system
 }

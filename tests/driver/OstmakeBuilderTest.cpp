@@ -7,11 +7,13 @@
 
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <fcntl.h>
+#include <functional>
 #include <gmock/gmock.h>
 #include <memory>
+#include <pty.h>
 #include <sys/mman.h>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -238,6 +240,29 @@ TEST_F(OstmakeBuilderTest, AnOutputThatTheInterruptedToolHasTouchedIsRemovedThou
                 testing::KilledBySignal(SIGINT), "");
     EXPECT_FALSE(tool.has("old.o"));
     EXPECT_EQ(printed(), "\ninterrupted, removed \"" + tool.pathOf("old.o") + "\"\n");
+}
+
+// The terminal sends the signal to its foreground processes itself; the second script has left those.
+TEST_F(OstmakeBuilderTest, CtrlCAtTheTerminalEndsTheToolAsWell) {
+    for (const char* script :
+         {"trap 'echo got >got; exit 0' INT; echo half >new.o; while :; do sleep 0.05; done",
+          "setsid sh -c \"trap 'echo got >got; exit 0' INT; echo half >new.o; while :; do sleep 0.05; "
+          "done\""}) {
+        int terminal = -1;
+        const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+        if (child == 0)
+            runInterrupted(script);
+        while (!tool.has("new.o"))
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        EXPECT_EQ(::write(terminal, "\x03", 1), 1);
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << script;
+        EXPECT_EQ(tool.read("got"), "got\n") << script;
+        EXPECT_FALSE(tool.has("new.o")) << script;
+        ::close(terminal);
+        std::filesystem::remove(tool.pathOf("got"));
+    }
 }
 
 TEST_F(OstmakeBuilderTest, SignalsIgnoredFromTheStartStayIgnoredForTheToolToo) {
