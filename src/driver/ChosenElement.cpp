@@ -1,22 +1,25 @@
 #include "driver/ChosenElement.h"
 
+#include "driver/Console.h"
 #include "driver/OstmakeArgParse.h"
 #include "driver/ProcessExit.h"
-#include "driver/Report.h"
 #include "foundation/FileAccess.h"
+#include "foundation/Text.h"
 #include "macros/Path.h"
 #include "project/ProjectSystem.h"
 #include "project/ProjectTemplates.h"
 
-#include <iostream>
+#include <algorithm>
 
 namespace {
 
 /// "can't find project 'x' supported projects:" and the names that there are, each on a line.
-[[noreturn]] void cannotFind(const char* what, const QString& name, const char* listed, const QStringList& names) {
-    std::cout << "can't find " << what << " '" << name << "' " << listed << ":\n";
+[[noreturn]] void cannotFind(const char* what, const QString& name, const char* listed,
+                             const QStringList& names) {
+    QString text = QString("can't find ") + what + " '" + name + "' " + listed + ":\n";
     for (const QString& each : names)
-        std::cout << each << '\n';
+        text += each + "\n";
+    Console().print(toBytes(text));
     throw ProcessExit{1};
 }
 
@@ -26,7 +29,8 @@ ProjectElement* loadedElement(const OstmakeArgParse& options) {
     if (!options.project.isEmpty()) {
         if (ProjectElement* project = projectSystem->findProject(root, options.project))
             return project;
-        cannotFind("project", options.project, "supported projects", projectSystem->solutionProjects(nullptr).keys());
+        cannotFind("project", options.project, "supported projects",
+                   projectSystem->solutionProjects(nullptr).keys());
     }
     if (!options.solution.isEmpty()) {
         if (ProjectElement* solution = projectSystem->solutionSolutions().value(options.solution))
@@ -60,7 +64,9 @@ void setProperties(ProjectElement* project, const QStringList& definitions, cons
         const qsizetype equals = definition.indexOf(u'=');
         const QString name = definition.left(equals);
         const QString value = equals < 0 ? QString("") : definition.mid(equals + 1);
-        const auto named = [&](const PropertyValue* setting) { return setting->propertyClass()->saveName() == name; };
+        const auto named = [&](const PropertyValue* setting) {
+            return setting->propertyClass()->saveName() == name;
+        };
         const auto found = std::find_if(applicable.begin(), applicable.end(), named);
         if (found == applicable.end()) {
             QStringList supported;

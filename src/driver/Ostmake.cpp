@@ -37,6 +37,9 @@ void checkOptions(const OstmakeArgParse& options) {
         refuse("-project must be specified with -type.");
 }
 
+/// What the lower layers warn of, line by line.
+void printWarning(QtMsgType, const QMessageLogContext&, const QString& text) { std::cerr << text << '\n'; }
+
 /// Sets the macros that file names and settings are expanded with. Those of -D are set already, and stay.
 void setSystemMacros(const OstmakeArgParse& options) {
     macroSystem.setSystemMacro("Platform", "msp430");
@@ -73,6 +76,7 @@ int run(int argc, char** argv) {
 } // namespace
 
 int ostmake(int argc, char** argv) {
+    qInstallMessageHandler(printWarning);
     QTx::setApplicationPath(toText(argv[0]), 1);
     try {
         return run(argc, argv);
