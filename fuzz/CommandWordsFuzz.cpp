@@ -28,8 +28,8 @@ QString quoted(const QStringList& words) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QString input = toText({reinterpret_cast<const char*>(data), size});
     MemoryFiles memory;
-    memory.write("/work/a", "one");
-    memory.write("/work/sub/b", "two");
+    memory.write("/project/a", "one");
+    memory.write("/project/sub/b", "two");
     const FilesInPlace inPlace(&memory);
     for (const QString& line : input.split(u'\n')) {
         const QStringList words = dequotify(line);
@@ -37,11 +37,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             std::abort();
         QStringList command = words;
         QString errorText;
-        const bool isBuiltin = BuiltinCommands::builtinCommand("/work", command, errorText, nullptr);
+        const bool isBuiltin = BuiltinCommands::builtinCommand("/project", command, errorText, nullptr);
         if ((!isBuiltin && !errorText.isEmpty()) || command.size() != words.size())
             std::abort();
         QString out;
-        BuiltinCommands::getExportableBuiltinCommand("/work", words, out);
+        BuiltinCommands::getExportableBuiltinCommand("/project", words, out);
     }
     return 0;
 }
