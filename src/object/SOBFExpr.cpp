@@ -120,6 +120,8 @@ SOBFExprValue combine(int op, SOBFExprValue left, SOBFExprValue right) {
     return left;
 }
 
+std::string inParentheses(std::string text) { return text.append(1, ')').insert(0, 1, '('); }
+
 template<class T>
 const T* as(const SOBFExpr* expr) {
     return dynamic_cast<const T*>(expr);
@@ -233,8 +235,8 @@ SOBFExprValue SOBFBinaryExpr::evaluate() const {
 /// A side of an operator, in parentheses if it binds less closely than the operator does.
 std::string SOBFBinaryExpr::operand(const SOBFExpr* side, int leastRank) {
     const auto* binary = as<SOBFBinaryExpr>(side);
-    const std::string text = side->printString();
-    return binary && operatorOf(binary->op).rank < leastRank ? "(" + text + ")" : text;
+    const bool loose = binary && operatorOf(binary->op).rank < leastRank;
+    return loose ? inParentheses(side->printString()) : side->printString();
 }
 
 std::string SOBFBinaryExpr::printString() const {
@@ -243,7 +245,7 @@ std::string SOBFBinaryExpr::printString() const {
     const Operator& row = operatorOf(op);
     if (op == TAG_WORD_ADDRESS) {
         const bool plain = as<SOBFSymbolExpr>(left) || as<SOBFConstExpr>(left);
-        return plain ? row.text + left->printString() : row.text + ("(" + left->printString() + ")");
+        return row.text + (plain ? left->printString() : inParentheses(left->printString()));
     }
     return operand(left, row.rank) + row.text + operand(right, row.rank + 1);
 }
@@ -265,12 +267,10 @@ bool SOBFSymbolExpr::equals(const SOBFExpr* other) const {
 }
 
 SOBFExprValue SOBFSymbolExpr::evaluate() const {
-    const HString* name = symbol->getName();
-    const std::string text(name ? name->view() : std::string_view());
     if (evaluating)
-        return SOBFExprValue::failure("circular reference to " + text);
+        return SOBFExprValue::failure("circular reference to " + printString());
     if (!symbol->value)
-        return SOBFExprValue::failure("undefined symbol " + text);
+        return SOBFExprValue::failure("undefined symbol " + printString());
     const Step step;
     if (step.tooFar())
         return SOBFExprValue::failure("expression too complex");
@@ -284,8 +284,8 @@ SOBFExprValue SOBFSymbolExpr::evaluate() const {
 }
 
 std::string SOBFSymbolExpr::printString() const {
-    const HString* name = symbol->getName();
-    return std::string(name ? name->view() : std::string_view());
+    const HString* symbolName = symbol->getName();
+    return std::string(symbolName ? symbolName->view() : std::string_view());
 }
 
 void SOBFSymbolExpr::externalize(SOBFWriter& writer) {

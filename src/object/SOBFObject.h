@@ -9,6 +9,7 @@
 class SOBFModule;
 class SOBFScope;
 class SOBFType;
+class SOBFWriter;
 
 /// Base of everything that an object file turns into. Lives in a pool and goes with it as a whole: no
 /// destructor runs.
@@ -27,12 +28,16 @@ public:
     /// differs.
     void markReachable(bool flag);
 
+    /// Writes what was put off by SOBFWriter::defer.
+    virtual void externalizeRest(SOBFWriter&) {}
+
     bool reachable = false;
-    /// What the last writer that met this object did with it. `writer` is that writer's number, so that a
+    /// What the last writer that met this object did with it. `writtenBy` is that writer's number, so that a
     /// model can be written more than once.
     bool aliasAssigned = false;
     bool externalized = false;
-    unsigned writer = 0;
+    bool aliasDefined = false; ///< what was written so far makes the object known by its alias
+    unsigned writtenBy = 0;
     int alias = 0;
 
     int kind = TAG_SCOPE_BLOCK; ///< the tag of a scope

@@ -161,7 +161,7 @@ public:
 /// A copy of the contents of another section, from which a program initialises it.
 class SOBFInitInsn : public SOBFInsn {
 public:
-    SOBFInitInsn(HString* name, SOBFModule* m) : sectionName(name) { module = m; }
+    SOBFInitInsn(HString* n, SOBFModule* m) : sectionName(n) { module = m; }
     std::string printString() override;
     /// The size of the named section, 0 if there is none.
     int length() override;
@@ -170,7 +170,7 @@ public:
     void externalize(SOBFWriter& writer) override;
 
     /// Finds a section by name in the place of the module's own map, unless null.
-    static SOBFSection* (*findSection)(HString* name);
+    static SOBFSection* (*findSection)(HString* wanted);
 
     HString* sectionName;
     SOBFSection* section = nullptr; ///< null until it is first needed

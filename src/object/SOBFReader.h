@@ -11,11 +11,13 @@
 
 class HByteStream;
 class SOBFFilename;
+class SOBFFunctionType;
 class SOBFInsn;
 class SOBFLocus;
 class SOBFMarker;
 class SOBFPtrType;
 class SOBFSection;
+class SOBFStrucType;
 class SOBFSymbol;
 class SOBFType;
 
@@ -35,7 +37,7 @@ public:
     /// Borrows the contents of `stream`, which must outlive the run. With `stickyLocus` a source line holds
     /// for all instructions up to the next, without for one.
     SOBFReader(const HByteStream* stream, bool stickyLocus);
-    virtual ~SOBFReader() = default;
+    virtual ~SOBFReader();
     SOBFReader(const SOBFReader&) = delete;
     SOBFReader& operator=(const SOBFReader&) = delete;
 
@@ -67,7 +69,7 @@ protected:
     virtual SOBFInsn* makeInsn() = 0;
 
 private:
-    friend struct SOBFTagTable;
+    friend struct SOBFTagRanges;
 
     /// A number stays a number until someone wants the object.
     struct Slot {
@@ -80,33 +82,35 @@ private:
     SOBFModule* run(bool quick, std::ostream* trace);
     void runProgram(std::ostream* trace);
     void runTag(uint8_t tag);
-    void finishRun();
-    void nameMarkers();
-    void traceTag(std::ostream& trace, uint8_t tag);
-    void traceStack(std::ostream& trace);
+    void nameMarkers() const;
+    void traceTag(std::ostream& trace, uint8_t tag) const;
+    void traceStack(std::ostream& trace) const;
 
+    Slot& newSlot();
     Slot& popSlot();
     void pushNumber(int64_t value);
     int popInt() { return static_cast<int>(popConst()); }
-    SOBFObject* materialize(Slot& slot);
+    static SOBFObject* materialize(Slot& slot);
     template<class T>
     T* popAs(const char* failure);
-    SOBFExpr* popOperand(bool nullAllowed = false);
     SOBFObject* popAny();
+    SOBFFilename* popFilename();
+    SOBFStrucType* popStruc();
+    SOBFFunctionType* popFunctionType();
+    SOBFExpr* popOperand();
+    HString* popText() { return popString()->text; }
 
     uint32_t popIndex();
     std::string_view take(size_t bytes);
-    void spend(size_t& budget, size_t amount);
+    static void spend(size_t& budget, size_t amount, const char* failure);
     void pushText(std::string_view text);
-    void pushExpr(SOBFExpr* expr);
     void pushType(SOBFType* type);
 
-    void requireInsn() const;
-    void requirePtr() const;
+    SOBFInsn* currentInsn() const;
     SOBFMarker* markerAt(uint32_t index);
-    void place(SOBFInsn* insn, bool withLocus);
-    void makeCurrent(SOBFInsn* insn);
-    void takeLocus(SOBFInsn* insn);
+    void append(SOBFInsn* insn);
+    void place(SOBFInsn* insn);
+    void placeCurrent(SOBFInsn* insn);
 
     void runLiteral(uint8_t tag);
     void runLongLiteral(uint8_t tag);
@@ -197,8 +201,9 @@ private:
     int m_pc = -1;
     int m_stackAdjust = 0;
     SOBFModule* m_module = nullptr;
+    Pool* m_savedPool = nullptr; ///< the current one before the module's
     SOBFSection* m_section = nullptr;
-    SOBFInsn* m_insn = nullptr;
+    SOBFInsn* m_insn = nullptr; ///< the one to which further bytes and words belong
     SOBFLocus* m_locus = nullptr;
     SOBFPtrType* m_ptr = nullptr;
     std::vector<SOBFObject*> m_aliases;

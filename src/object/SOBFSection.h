@@ -58,6 +58,11 @@ protected:
     void addReferences(References& references) override;
 
 private:
+    template<class Visit>
+    void forEachInsn(Visit visit) const;
+
+    int m_total = 0;
     bool m_measuring = false;
+    bool m_imaging = false;
     const uint8_t* m_image = nullptr;
 };

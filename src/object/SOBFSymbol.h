@@ -4,7 +4,6 @@
 
 class SOBFExpr;
 class SOBFLocus;
-class SOBFWriter;
 
 class SOBFSymbol : public SOBFObject {
 public:
@@ -14,6 +13,7 @@ public:
     bool isSpecial() const { return codelet != -1 || patchable; }
     /// Leaves the symbol known by its alias. Its value and its type may follow later, see SOBFWriter::defer.
     void externalize(SOBFWriter& writer);
+    void externalizeRest(SOBFWriter& writer) override;
 
     /// May define a symbol without a value when `markReachable` comes to it, unless null.
     static void (*resolve)(SOBFSymbol* symbol);
@@ -29,6 +29,7 @@ protected:
     void addReferences(References& references) override;
 
 private:
-    bool mayCompleteIn(SOBFWriter& writer) const;
+    bool mayCompleteIn(const SOBFWriter& writer) const;
     void complete(SOBFWriter& writer);
+    void externalizeMarks(SOBFWriter& writer) const;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstddef>
+#include <array>
 #include <cstdint>
 
 class SOBFReader;
@@ -123,5 +123,5 @@ struct SOBFTagRow {
 
 /// The table of all tags, indexed by tag.
 struct SOBFTagTable {
-    static const SOBFTagRow rows[TAG_COUNT];
+    static const std::array<SOBFTagRow, TAG_COUNT> rows;
 };
