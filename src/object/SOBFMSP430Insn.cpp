@@ -50,7 +50,7 @@ uint64_t widthMask(unsigned opcode) {
     }
 }
 
-/// Jumps reach this many words forward, from the word behind them.
+/// From the word behind it, a jump reaches this many words back, and all but the last of as many forward.
 constexpr unsigned reach = 0x200;
 
 bool outOfReach(unsigned words, unsigned mask) { return words >= reach && words <= mask - reach; }
@@ -66,7 +66,7 @@ SOBFMSP430Insn::SOBFMSP430Insn(unsigned word, SOBFExpr* from, SOBFExpr* to, bool
 }
 
 void SOBFMSP430Insn::useConstantGenerator() {
-    // PUSH @SP does not work on every processor: it becomes PUSH 0(SP).
+    // PUSH through @SP takes its indexed form, 0(SP).
     if (opcode == 0x1221 || opcode == 0x1261) {
         opcode -= 0x10;
         operand1 = new SOBFConstExpr(0);
@@ -80,7 +80,7 @@ void SOBFMSP430Insn::useConstantGenerator() {
         return;
     const auto* found =
         generatedConstant(static_cast<uint64_t>(value.value), two ? widthMask(opcode) : 0xFFFF);
-    // The first processors take PUSH #4 and PUSH #8 wrongly out of the generator.
+    // Processors without the extension may not push 4 and 8 out of the generator.
     if (!found || (one && found->number == SR && !g_msp430x))
         return;
     if (two)
