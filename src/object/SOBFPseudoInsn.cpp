@@ -17,7 +17,7 @@ std::string SOBFMarker::printString() {
     if (name)
         return std::string(name->view());
     if (printNumber == -1)
-        printNumber = m_markCount++;
+        printNumber = ++m_markCount;
     return "@" + std::to_string(printNumber);
 }
 

@@ -220,6 +220,8 @@ SOBFObject* SOBFReader::popAny() {
 
 SOBFFilename* SOBFReader::popFilename() { return popAs<SOBFFilename>("(file expected)"); }
 
+SOBFPtrType* SOBFReader::popPtr() { return popAs<SOBFPtrType>("(pointer expected)"); }
+
 SOBFStrucType* SOBFReader::popStruc() { return popAs<SOBFStrucType>("(structure expected)"); }
 
 SOBFFunctionType* SOBFReader::popFunctionType() { return popAs<SOBFFunctionType>("(function type expected)"); }

@@ -95,9 +95,9 @@ private:
     T* popAs(const char* failure);
     SOBFObject* popAny();
     SOBFFilename* popFilename();
+    SOBFPtrType* popPtr();
     SOBFStrucType* popStruc();
     SOBFFunctionType* popFunctionType();
-    SOBFExpr* popOperand();
     HString* popText() { return popString()->text; }
 
     uint32_t popIndex();

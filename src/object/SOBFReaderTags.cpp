@@ -344,7 +344,7 @@ void SOBFReader::runForwardType(uint8_t) { pushType(new SOBFPtrType(popInt())); 
 
 void SOBFReader::runPtr(uint8_t) {
     SOBFType* target = popType();
-    m_ptr = popAs<SOBFPtrType>("(pointer expected)");
+    m_ptr = popPtr();
     m_ptr->target = target;
 }
 
