@@ -1,5 +1,5 @@
-#include "object/ObjectBytes.h"
 #include "object/ObjectFile.h"
+#include "object/ObjectBytes.h"
 #include "support/MemoryFiles.h"
 
 using ::testing::ElementsAre;

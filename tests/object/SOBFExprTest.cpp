@@ -11,7 +11,9 @@ namespace {
 class SOBFExprTest : public ::testing::Test {
 protected:
     static SOBFExpr* number(int64_t value) { return new SOBFConstExpr(value); }
-    static SOBFExpr* make(int op, SOBFExpr* left, SOBFExpr* right) { return SOBFBinaryExpr::make(op, left, right); }
+    static SOBFExpr* make(int op, SOBFExpr* left, SOBFExpr* right) {
+        return SOBFBinaryExpr::make(op, left, right);
+    }
     static SOBFSymbol* symbol(const char* text, SOBFExpr* value = nullptr) {
         auto* made = new SOBFSymbol(HString::intern(text, HString::AsIs));
         made->value = value;
@@ -84,9 +86,9 @@ TEST_F(SOBFExprTest, SectionFollowsTheOperator) {
         bool ofBoth, ofLeft, ofRight; ///< whether the result has a section: of two labels, of one
     };
     const Case cases[] = {
-        {TAG_ADD, true, true, true},          {TAG_SUBTRACT, false, true, true},
-        {TAG_MULTIPLY, false, true, false},   {TAG_AND, false, false, false},
-        {TAG_PAIR, true, true, false},        {TAG_WORD_ADDRESS, true, true, false},
+        {TAG_ADD, true, true, true},           {TAG_SUBTRACT, false, true, true},
+        {TAG_MULTIPLY, false, true, false},    {TAG_AND, false, false, false},
+        {TAG_PAIR, true, true, false},         {TAG_WORD_ADDRESS, true, true, false},
         {TAG_SHIFT_LEFT, false, false, false},
     };
     SOBFExpr* first = label("a", 0x30);

@@ -12,7 +12,8 @@ using ::testing::SizeIs;
 
 namespace {
 
-// Made once more in every row that needs it: a module that is known as alias 0, and a section that is current.
+// Made once more in every row that needs it: a module that is known as alias 0, and a section that is
+// current.
 const std::string module = "09 09 09 4A 4E 00 21 4F ";
 const std::string section = module + "'S' 28 27 ";
 
@@ -91,7 +92,8 @@ TEST(SOBFReaderTest, RefusesWhatIsNotWellFormedInTheWordsOfEachFault) {
 TEST(SOBFReaderTest, TagsThatNeedAModuleOrASectionSayThatThereIsNone) {
     for (const char* tag : {"1D", "28", "33", "48", "51", "54", "56", "58", "59"})
         EXPECT_EQ(read(tag), "bad object file: no defined module") << tag;
-    for (const char* tag : {"24", "2C", "2D", "2E", "2F", "30", "31", "32", "35", "50", "5F", "60", "64", "68", "70", "71"})
+    for (const char* tag :
+         {"24", "2C", "2D", "2E", "2F", "30", "31", "32", "35", "50", "5F", "60", "64", "68", "70", "71"})
         EXPECT_EQ(read(tag), "bad object file: no defined section") << tag;
 }
 
@@ -106,8 +108,10 @@ TEST(SOBFReaderTest, FileThatWouldGrowOutOfItsSizeIsRefused) {
     EXPECT_EQ(read(shared), "bad object file: expressions too large");
     EXPECT_EQ(read(arrays), "bad object file: types nested too deep");
     EXPECT_EQ(read(twice), "bad object file: types nested too deep");
-    EXPECT_EQ(read("09 08 04 FF FF FF FF 21"), "bad object file: operand value error (constant out of range)");
-    EXPECT_EQ(read("08 04 FF FF FF FF 25 4F"), "bad object file: operand value error (constant out of range)");
+    EXPECT_EQ(read("09 08 04 FF FF FF FF 21"),
+              "bad object file: operand value error (constant out of range)");
+    EXPECT_EQ(read("08 04 FF FF FF FF 25 4F"),
+              "bad object file: operand value error (constant out of range)");
     const std::string text = "'" + std::string(1000, 'x') + "' 4F ";
     EXPECT_EQ(read(text + repeat("00 08 02 03 E8 23 4F ", 1000)), "bad object file: texts too large");
 }
@@ -131,14 +135,15 @@ TEST(SOBFReaderTest, QuickReadStopsWhereTheInformationEnds) {
     const std::string info = module + "'k' 'v' 51 ";
     EXPECT_EQ(refusalOf(ObjectBytes::bytes(info + "66 FF FF"), true), "");
     EXPECT_EQ(refusalOf(ObjectBytes::bytes(info + "66 FF FF"), false), "bad object file: unknown tag");
-    EXPECT_EQ(refusalOf(ObjectBytes::bytes(info + "00 66 FF"), true), "bad object file: stack not empty at EOF");
+    EXPECT_EQ(refusalOf(ObjectBytes::bytes(info + "00 66 FF"), true),
+              "bad object file: stack not empty at EOF");
     const ReadObject object(ObjectBytes::bytes(info + "66 'k' 'w' 51"), true);
     EXPECT_EQ(object->attributes.value(name("k")), name("v"));
 }
 
 TEST(SOBFReaderTest, LaterAttributeLibraryAndSectionOfANameTakeTheEntry) {
-    const ReadObject object(ObjectBytes::bytes(
-        module + "'k' 'v' 51 'k' 'w' 51 'l' 48 'l' 48 'S' 28 4F 'S' 28 4F 04 58 54"));
+    const ReadObject object(
+        ObjectBytes::bytes(module + "'k' 'v' 51 'k' 'w' 51 'l' 48 'l' 48 'S' 28 4F 'S' 28 4F 04 58 54"));
     EXPECT_EQ(object->attributes.value(name("k")), name("w"));
     EXPECT_THAT(object->libraries, SizeIs(1));
     EXPECT_THAT(object->sections, SizeIs(2));
@@ -194,8 +199,8 @@ TEST(SOBFReaderTest, SymbolWithoutTypeTakesThatOfItsValue) {
 
 TEST(SOBFReaderTest, TraceTellsOffsetTagAndStack) {
     std::ostringstream trace;
-    const ReadObject object(ObjectBytes::bytes("05 08 01 FF 09 4F 0B 37 09 09 09 4A 's' 1D 02 39 61 4F 4F 4F"), false,
-                            &trace);
+    const ReadObject object(
+        ObjectBytes::bytes("05 08 01 FF 09 4F 0B 37 09 09 09 4A 's' 1D 02 39 61 4F 4F 4F"), false, &trace);
     EXPECT_EQ(trace.str(), "1\tLIT 1\tn:1 \n"
                            "2\tSTRINGPOOL\t\n"
                            "4\tLIT 5\tn:5 \n"
