@@ -53,9 +53,15 @@ public:
     /// The names in a directory, without "." and "..", in no order; empty if it can't be read.
     virtual QList<QString> list(const QString& directory) = 0;
     /// Puts `contents` in the place of the file, or makes it: a crash or a full disk leaves the old file or
-    /// the new one, whole. The permissions of an old file stay, and a link to it stays a link.
+    /// the new one, whole. The permissions of an old file stay, and a link to it stays a link. A file that
+    /// holds just these contents already only gets a new time.
     virtual int replace(const QString& path, std::string_view contents) = 0;
     virtual int remove(const QString& path) = 0;
+    /// Copies a file's contents, times and permissions (less the process's umask) to `to`, in whole or not at
+    /// all. A file already there must be writable, and a link there stays a link; EINVAL if it is `from`.
+    virtual int copy(const QString& from, const QString& to) = 0;
+    /// Sets or clears the owner's permission to write; the file must be readable.
+    virtual int setWritable(const QString& path, bool writable) = 0;
     /// Makes one directory; its parent must be there.
     virtual int makeDirectory(const QString& path) = 0;
 };

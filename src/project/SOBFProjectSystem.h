@@ -1,0 +1,17 @@
+#pragma once
+
+#include "project/StandardProjectSystem.h"
+
+/// The tool chain: its settings and the extensions of its files.
+class SOBFProjectSystem : public StandardProjectSystem {
+public:
+    void appendCCompilerProperties(PropertyClassList& list) const override;
+    void appendAssemblerProperties(PropertyClassList& list) const override;
+    void appendLinkerProperties(PropertyClassList& list) const override;
+    void appendArchiverProperties(PropertyClassList& list) const override;
+
+    QString objectFileExtension() const override { return ".vko"; }
+    QString libraryFileExtension() const override { return ".vka"; }
+    QString executableFileExtension() const override { return ".vkx"; }
+    QString assemblyCodeFileExtension() const override;
+};

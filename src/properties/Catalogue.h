@@ -1,0 +1,41 @@
+#pragma once
+
+#include "properties/PropertyClass.h"
+
+#include <cstddef>
+
+/// Every setting that a project file may state. The enumerator is the save name wherever that is a name of
+/// its own.
+enum class Setting {
+#define GROUP(page, group)
+#define SETTING(name, ...) name,
+#define NAMED_SETTING(name, ...) name,
+#include "properties/CatalogueRows.inc"
+#undef GROUP
+#undef SETTING
+#undef NAMED_SETTING
+};
+
+/// Who enters a setting in the catalogue, in the order in which they do.
+enum class SettingOwner { Project, Build, Standard, SOBF, MSP430 };
+
+constexpr size_t settingCount = 0
+#define GROUP(page, group)
+#define SETTING(...) +1
+#define NAMED_SETTING(...) +1
+#include "properties/CatalogueRows.inc"
+#undef GROUP
+#undef SETTING
+#undef NAMED_SETTING
+    ;
+
+/// The class of a setting; lasts as long as the program.
+const PropertyClass& propertyClass(Setting setting);
+SettingOwner settingOwner(Setting setting);
+
+/// All classes, by page and group.
+const PropertyClassList& catalogue();
+
+/// The class of this save name; null if there is none. Of several it is the one that was entered last: a
+/// library's file name, a dynamic folder's filter.
+const PropertyClass* catalogueClass(const QString& saveName);
