@@ -1,0 +1,1 @@
+// Holds the headers that all tests share, compiled once.
