@@ -2,6 +2,7 @@
 
 #include "project/ProjectSystem.h"
 #include "query/Answer.h"
+#include "query/Command.h"
 
 /// What the commands of ostquery that look into a loaded solution answer. None of them prints.
 namespace SolutionCommands {

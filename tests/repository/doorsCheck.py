@@ -33,7 +33,7 @@ RULES = {
     ),
     "prints": (
         r"std::c(out|err)\b|\bf?printf\(|\bputs\(|\bfputs\(|\bqInfo\(|\bqDebug\(",
-        {"driver/Usage.cpp", "driver/Ostmake.cpp"},
+        {"driver/Usage.cpp", "driver/Ostmake.cpp", "query/main.cpp"},
     ),
     "ends the process": (r"\b(std::)?_?exit\(|\babort\(|std::terminate\(", {"driver/Interruption.cpp", "driver/Spawn.cpp"}),
 }
