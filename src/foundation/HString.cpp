@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <new>
 #include <ostream>
 #include <unordered_map>
 
@@ -14,9 +15,13 @@ constexpr size_t arenaSize = 4096;
 /// last 32 bytes, and few names share a bucket as a rule, but a file may hold a million texts that do.
 constexpr int bucketLimit = 16;
 
+constexpr int firstBucketBits = 10;
+constinit HString* firstBuckets[1 << firstBucketBits] = {};
+size_t recordsInBuckets = 0;
+
 std::unordered_map<std::string_view, HString*>& overflow() {
-    static std::unordered_map<std::string_view, HString*> records;
-    return records;
+    static std::unordered_map<std::string_view, HString*> rest;
+    return rest;
 }
 
 constexpr std::array<uint32_t, 256> makeScatter() {
@@ -38,6 +43,20 @@ uint32_t hashOf(std::string_view text) {
     return hash;
 }
 
+/// Memory for a record with its text behind it, so that a comparison finds both in one place.
+char* store(std::string_view text) {
+    static char* next = nullptr;
+    static char* strlimit = nullptr;
+    const size_t size = (sizeof(HString) + text.size() + 1 + alignof(HString) - 1) & ~(alignof(HString) - 1);
+    if (strlimit - next < static_cast<std::ptrdiff_t>(size)) {
+        next = static_cast<char*>(::operator new(size + arenaSize));
+        strlimit = next + size + arenaSize;
+    }
+    char* memory = next;
+    next += size;
+    return memory;
+}
+
 void modify(std::string& text, unsigned modifier) {
     const unsigned letters = modifier & 0x0F;
     const unsigned slashes = modifier & 0xF0;
@@ -57,7 +76,8 @@ void modify(std::string& text, unsigned modifier) {
 } // namespace
 
 constinit const std::array<uint32_t, 256> HString::scatter = makeScatter();
-HString* HString::buckets[bucketCount];
+constinit HString** HString::buckets = firstBuckets;
+constinit int HString::bucketBits = firstBucketBits;
 
 HString* HString::intern(const char* text, int length, unsigned modifier) {
     const auto size = static_cast<size_t>(std::max(length, 0));
@@ -70,8 +90,15 @@ HString* HString::intern(const char* text, int length, unsigned modifier) {
         wanted = scratch;
     }
     const uint32_t hash = hashOf(wanted);
-    HString* known = find(hash, wanted);
-    return known ? known : add(hash, wanted);
+    int seen = 0;
+    for (HString* record = bucketOf(hash); record; record = record->m_next, ++seen)
+        if (record->m_hash == hash && record->view() == wanted)
+            return record;
+    const bool bucketIsFull = seen >= bucketLimit;
+    if (bucketIsFull)
+        if (const auto found = overflow().find(wanted); found != overflow().end())
+            return found->second;
+    return add(hash, wanted, bucketIsFull);
 }
 
 HString* HString::intern(const char* text, unsigned modifier) {
@@ -84,44 +111,41 @@ HString* HString::intern(const std::string& text, unsigned modifier) {
 
 HString* HString::intern(long value) { return intern(std::to_string(value), AsIs); }
 
-HString* HString::find(uint32_t hash, std::string_view text) {
-    int seen = 0;
-    for (HString* record = buckets[hash % bucketCount]; record; record = record->m_next, ++seen)
-        if (record->m_hash == hash && record->view() == text)
-            return record;
-    if (seen < bucketLimit)
-        return nullptr;
-    const auto found = overflow().find(text);
-    return found == overflow().end() ? nullptr : found->second;
-}
+/// The upper bits of a product depend on all bits of the hash; its own lower bits only on the last few bytes.
+HString*& HString::bucketOf(uint32_t hash) { return buckets[(hash * 0x9E3779B1u) >> (32 - bucketBits)]; }
 
-HString* HString::add(uint32_t hash, std::string_view text) {
-    HString*& head = buckets[hash % bucketCount];
-    int seen = 0;
-    for (const HString* record = head; record; record = record->m_next)
-        ++seen;
-    const char* stored = store(text);
-    if (seen < bucketLimit) {
-        head = new HString(hash, stored, static_cast<int>(text.size()), head);
-        return head;
+HString* HString::add(uint32_t hash, std::string_view text, bool bucketIsFull) {
+    char* memory = store(text);
+    char* stored = memory + sizeof(HString);
+    std::copy(text.begin(), text.end(), stored);
+    stored[text.size()] = '\0';
+    HString* next = bucketIsFull ? nullptr : bucketOf(hash);
+    auto* record = new (memory) HString(hash, stored, static_cast<int>(text.size()), next);
+    if (bucketIsFull) {
+        overflow().emplace(record->view(), record);
+        return record;
     }
-    auto* record = new HString(hash, stored, static_cast<int>(text.size()), nullptr);
-    overflow().emplace(record->view(), record);
+    bucketOf(hash) = record;
+    if (++recordsInBuckets >> bucketBits)
+        growBuckets();
     return record;
 }
 
-const char* HString::store(std::string_view text) {
-    static char* next = nullptr;
-    static char* strlimit = nullptr;
-    if (strlimit - next <= static_cast<std::ptrdiff_t>(text.size() + 1)) {
-        next = new char[text.size() + arenaSize];
-        strlimit = next + text.size() + arenaSize;
+void HString::growBuckets() {
+    HString** former = buckets;
+    const size_t formerCount = size_t{1} << bucketBits;
+    buckets = new HString* [2 * formerCount] {};
+    ++bucketBits;
+    for (size_t i = 0; i < formerCount; ++i) {
+        for (HString* record = former[i]; record;) {
+            HString* next = record->m_next;
+            record->m_next = bucketOf(record->m_hash);
+            bucketOf(record->m_hash) = record;
+            record = next;
+        }
     }
-    char* stored = next;
-    std::copy(text.begin(), text.end(), stored);
-    stored[text.size()] = '\0';
-    next += text.size() + 1;
-    return stored;
+    if (former != firstBuckets)
+        delete[] former;
 }
 
 std::ostream& operator<<(std::ostream& stream, const HString* string) { return stream << string->text(); }

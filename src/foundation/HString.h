@@ -45,17 +45,17 @@ private:
     HString(uint32_t hash, const char* text, int length, HString* next)
         : m_hash(hash), m_text(text), m_length(length), m_next(next) {}
 
-    static HString* find(uint32_t hash, std::string_view text);
-    static HString* add(uint32_t hash, std::string_view text);
-    static const char* store(std::string_view text);
+    static HString*& bucketOf(uint32_t hash);
+    static HString* add(uint32_t hash, std::string_view text, bool bucketIsFull);
+    static void growBuckets();
 
     uint32_t m_hash;
     const char* m_text;
     int m_length;
     HString* m_next; ///< the next record in the bucket
 
-    static constexpr size_t bucketCount = 1024;
-    static HString* buckets[bucketCount];
+    static HString** buckets; ///< 1,024 heads at first
+    static int bucketBits;
 };
 
 /// Writes the text.

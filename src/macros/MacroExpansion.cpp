@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr qsizetype expansionBudget = 16 << 20;
+constexpr qsizetype expansionBudget = 4 << 20;
 /// What a pass takes from the budget beyond the characters that it writes, so that short cycles end soon.
 constexpr qsizetype passCost = 16 << 10;
 

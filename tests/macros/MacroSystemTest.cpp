@@ -10,7 +10,9 @@ using testing::IsEmpty;
 
 namespace {
 
-QString expand(const MacroMap& macros, const QString& text) { return MacroSystem::replaceMacros(macros, text); }
+QString expand(const MacroMap& macros, const QString& text) {
+    return MacroSystem::replaceMacros(macros, text);
+}
 
 /// Seconds that an expansion takes, for what must not be endless.
 double secondsFor(const MacroMap& macros, const QString& text) {
@@ -22,7 +24,8 @@ double secondsFor(const MacroMap& macros, const QString& text) {
 } // namespace
 
 TEST(Macros, EveryFormOfReference) {
-    const MacroMap macros{{"b", "B"}, {"c", "C"}, {"viaC", "$(c)"}, {"empty", ""}, {"x(y)z", "P"}, {"d", "p\\q;"}};
+    const MacroMap macros{{"b", "B"},    {"c", "C"},     {"viaC", "$(c)"},
+                          {"empty", ""}, {"x(y)z", "P"}, {"d", "p\\q;"}};
     const struct {
         const char* text;
         const char* expanded;
@@ -49,13 +52,13 @@ TEST(Macros, EveryFormOfReference) {
         {"$(a:$(u:$(b)))", "B"},
         {"$(a::$(b))", "$(b)"},
         {"$(viaC)", "$(c)"},
-        {"$(viaC:$(b))", "C"},             // a "$" in a body lets the next pass see the value's own reference
-        {"$(a:$(b)) $(c2::d)", "$(b) d"},  // a final default cancels the pass asked for before it
-        {"$(c2::d) $(a:$(b))", "d B"},     // but not one asked for behind it
+        {"$(viaC:$(b))", "C"},            // a "$" in a body lets the next pass see the value's own reference
+        {"$(a:$(b)) $(c2::d)", "$(b) d"}, // a final default cancels the pass asked for before it
+        {"$(c2::d) $(a:$(b))", "d B"},    // but not one asked for behind it
         {"$(a$(b))", "$(a$(b))"},
         {"($(b))", "(B)"},
-        {"$(x$(b)", "(xB"},                // the first "$(" has no end; the second has
-        {"$(x$(viaC)", "(xC"},             // its "$" counts as a request for a further pass all the same
+        {"$(x$(b)", "(xB"},    // the first "$(" has no end; the second has
+        {"$(x$(viaC)", "(xC"}, // its "$" counts as a request for a further pass all the same
         {"$(d)", "p\\q;"},
     };
     for (const auto& row : rows)
@@ -120,7 +123,8 @@ TEST(ListText, SplitsAndJoins) {
     EXPECT_THAT(split("\\x"), ElementsAre("x"));
     EXPECT_THAT(MacroSystem::stringListFromString("", true), ElementsAre(""));
     EXPECT_THAT(MacroSystem::stringListFromString(";a;", true), ElementsAre("", "a", ""));
-    for (const QStringList& list : {QStringList{""}, QStringList{"a;b", "\\", "", ";\\;"}, QStringList{"", ""}})
+    for (const QStringList& list :
+         {QStringList{""}, QStringList{"a;b", "\\", "", ";\\;"}, QStringList{"", ""}})
         EXPECT_EQ(MacroSystem::stringListFromString(MacroSystem::stringFromStringList(list), true), list);
 }
 

@@ -28,8 +28,8 @@ TEST(Path, NormalisesByTheTextAlone) {
         {"a/b../c", "a/b../c"},
         {"a/.../c", "a/.../c"},
         {"a/b/.././../c", "a/../c"},
-        // A third ".." takes the one before the one before it for its parent. The walk only looks for a "/" three
-        // characters back; "../../../x" would be the wanted answer.
+        // A third ".." takes the one before the one before it for its parent. The walk only looks for a "/"
+        // three characters back; "../../../x" would be the wanted answer.
         {"../../../x", "../x"},
         {"/../../x", "/x"},
     };
@@ -96,8 +96,9 @@ TEST(Path, WaysBetweenPlaces) {
     const struct {
         const char *from, *to, *way; // no way: null
     } directories[] = {
-        {"/a/b", "/a/c/d", "../c/d"}, {"/a/b", "/a/b", ""},    {"/a/b/c/d", "/a", "../../.."}, {"/a", "/a/b/", "b"},
-        {"/x", "/y", nullptr},        {"/a/./b", "/a//b", ""}, {"/nowhere", ".", ""},
+        {"/a/b", "/a/c/d", "../c/d"}, {"/a/b", "/a/b", ""},  {"/a/b/c/d", "/a", "../../.."},
+        {"/a", "/a/b/", "b"},         {"/x", "/y", nullptr}, {"/a/./b", "/a//b", ""},
+        {"/nowhere", ".", ""},
     };
     for (const auto& row : directories) {
         QString way("left over");

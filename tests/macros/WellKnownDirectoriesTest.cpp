@@ -64,15 +64,17 @@ TEST_F(WellKnownDirectories, SystemMacrosAndStubFilesAreSetUp) {
     EXPECT_EQ(system("TarnName"), "OstrelTarn for MSP430");
     EXPECT_EQ(system("TarnMajorVersion") + system("TarnMinorVersion") + system("TarnRevision"), "207");
 
-    memory.write("/home/u/.ferrant_associates_limited/ostrel_for_msp430/packages/targets/frequencies.xml", "mine");
+    memory.write("/home/u/.ferrant_associates_limited/ostrel_for_msp430/packages/targets/frequencies.xml",
+                 "mine");
     PackageSystem::setupPackageMacros("$(TarnUserDir)/packages");
     const QString targets = "/home/u/.ferrant_associates_limited/ostrel_for_msp430/packages/targets";
     EXPECT_EQ(system("TargetsDir"), targets);
     EXPECT_EQ(system("SamplesDir"), system("PackagesDir") + "/samples");
     EXPECT_EQ(memory.contents(targets + "/frequencies.xml"), "mine");
-    EXPECT_EQ(memory.contents(targets + "/project_templates.xml"),
-              "<!DOCTYPE Project_Templates_File>\n<projects>\n"
-              "  <include filename=\"$(TarnDir)/targets/project_templates.xml\" no_root=\"1\" />\n</projects>\n");
+    EXPECT_EQ(
+        memory.contents(targets + "/project_templates.xml"),
+        "<!DOCTYPE Project_Templates_File>\n<projects>\n"
+        "  <include filename=\"$(TarnDir)/targets/project_templates.xml\" no_root=\"1\" />\n</projects>\n");
 
     PackageSystem::setupPackageMacros("/other");
     EXPECT_EQ(memory.contents("/other/targets/frequencies.xml"),
