@@ -148,7 +148,7 @@ void ProjectElement::removeAttribute(const QString& name) {
 void ProjectElement::stamp(Symbol name, bool flag) {
     if (!m_changes)
         m_changes = std::make_unique<std::map<Symbol, Change>>();
-    (*m_changes)[name] = {QDateTime::currentDateTime(), flag};
+    (*m_changes)[name] = {QDateTime::currentDateTimeUtc(), flag};
     m_modified = true;
 }
 

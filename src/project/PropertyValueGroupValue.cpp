@@ -1,9 +1,6 @@
 #include "project/PropertyValueGroupValue.h"
 
 #include "properties/PropertyValueGroups.h"
-#include "xml/XMLNode.h"
-
-#include <cstring>
 
 PropertyValueGroupValue::PropertyValueGroupValue(ProjectSystem& system,
                                                  const PropertyValueGroupClass* groupClass,
@@ -20,12 +17,9 @@ void PropertyValueGroupValue::setPropertyValue(const QString& text, bool flag) {
     system().setProperty(node(), *m_groupClass, configuration(), name, flag);
     if (!entry)
         return;
-    for (const XMLElement* child = entry.element()->firstChildElement(); child;
-         child = child->nextSiblingElement()) {
-        if (std::strcmp(child->tagName(), "property") != 0)
-            continue;
-        const QString target =
-            child->hasAttribute("configuration") ? child->attributeText("configuration") : configuration();
-        system().setProperty(node(), child->attributeText("name"), target, child->attributeText("value"), flag);
+    for (const PropertyValueGroupEntry::Property& property : entry.properties()) {
+        const QString& target =
+            property.configuration.isNull() ? configuration() : property.configuration;
+        system().setProperty(node(), property.name, target, property.value, flag);
     }
 }

@@ -12,6 +12,7 @@
 
 #include "project/ProjectSystem.h"
 
+#include "macros/MacroSystem.h"
 #include "macros/ReleaseConstants.h"
 #include "project/MessageReceiver.h"
 #include "project/NodeMacros.h"

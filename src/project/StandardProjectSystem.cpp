@@ -100,8 +100,8 @@ void StandardProjectSystem::appendGroups(PropertyValueList& values, ProjectEleme
         return;
     propertyValueGroups.setGroupFile(groupFile);
     if (const PropertyValueGroupFile* current = propertyValueGroups.current()) {
-        for (const auto& groupClass : current->classes())
-            values.appendUnique(new PropertyValueGroupValue(*this, groupClass.get(), configName, element));
+        for (const PropertyValueGroupClass* groupClass : current->classes())
+            values.appendUnique(new PropertyValueGroupValue(*this, groupClass, configName, element));
     }
 }
 
