@@ -1,5 +1,8 @@
 #include "properties/PropertyClass.h"
 
+#include "xml/XMLNode.h"
+
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -22,6 +25,14 @@ const QString& yes() {
 const QStringList& noAndYes() {
     static const QStringList values = {no(), yes()};
     return values;
+}
+
+/// The type of this name; Boolean if there is none.
+PropertyClass::Type typeNamed(const QString& name) {
+    const auto found =
+        std::find_if(typeNames.begin(), typeNames.end(), [&](const char* each) { return name == each; });
+    return found == typeNames.end() ? PropertyClass::Boolean
+                                    : static_cast<PropertyClass::Type>(found - typeNames.begin());
 }
 
 } // namespace
@@ -64,7 +75,19 @@ PropertyClass::PropertyClass(const QString& saveName, Type type) : m_saveName(sa
 PropertyClass::PropertyClass(const QString& saveName, Type type, int minimum, int maximum)
     : m_saveName(saveName), m_type(type), m_minimum(minimum), m_maximum(maximum) {}
 
-QStringList PropertyClass::enumerates() const {
+PropertyClass::PropertyClass(const XMLElement* descriptor)
+    : m_saveName(descriptor->attributeText("name")),
+      m_group(descriptor->attributeText("group")),
+      m_shortDescription(descriptor->attributeText("short")),
+      m_longDescription(descriptor->attributeText("long")),
+      m_defaultValue(descriptor->attributeText("default")),
+      m_specialValueText(descriptor->attributeText("specialvalue")),
+      m_type(typeNamed(descriptor->attributeText("type"))),
+      m_enumerates(descriptor->attributeText("enumeration").split(u';', Qt::SkipEmptyParts)),
+      m_minimum(static_cast<int>(descriptor->attributeText("minimum").toUInt())),
+      m_maximum(static_cast<int>(descriptor->attributeText("maximum").toUInt())) {}
+
+const QStringList& PropertyClass::enumerates() const {
     return m_type == Boolean && m_enumerates.isEmpty() ? noAndYes() : m_enumerates;
 }
 

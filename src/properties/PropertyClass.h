@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+class XMLElement;
+
 /// What a setting is: how files name it, what kind of value it takes, its default. Values themselves are text
 /// everywhere; a null text means that nothing is stated, an empty one is a value.
 class PropertyClass {
@@ -44,6 +46,10 @@ public:
     /// A name and a type; every text stays null.
     PropertyClass(const QString& saveName, Type type);
     PropertyClass(const QString& saveName, Type type, int minimum, int maximum);
+    /// A descriptor in XML: attributes "name", "type", "group", "short", "long", "default", "minimum",
+    /// "maximum", "enumeration" (values joined by ";") and "specialvalue". What is absent stays null, and an
+    /// unknown type is Boolean.
+    explicit PropertyClass(const XMLElement* descriptor);
     virtual ~PropertyClass() = default;
 
     /// The attribute in project files, the key in the settings file, the name on the command line.
@@ -52,7 +58,7 @@ public:
     const QString& defaultValue() const { return m_defaultValue; }
     void setDefault(const QString& value) { m_defaultValue = value; }
     /// The allowed values of an enumeration; "No" and "Yes" for a Boolean that has no list of its own.
-    QStringList enumerates() const;
+    const QStringList& enumerates() const;
     void setEnumerates(const QStringList& values) { m_enumerates = values; }
     /// False if the value lives in the configuration "Common", whatever configuration is asked for.
     bool perConfiguration() const { return m_perConfiguration; }

@@ -36,7 +36,7 @@ void PropertyValue::setValue(int value) {
 }
 
 void PropertyValue::setEnumerated(int index) {
-    const QStringList values = m_propertyClass->enumerates();
+    const QStringList& values = m_propertyClass->enumerates();
     if (index < 0 || index >= values.size()) {
         qWarning("PropertyValue::setValue(int): Setting an enumeration to a value which isn't in its "
                  "enumerates");
