@@ -20,8 +20,8 @@ constinit HString* firstBuckets[1 << firstBucketBits] = {};
 size_t recordsInBuckets = 0;
 
 std::unordered_map<std::string_view, HString*>& overflow() {
-    static std::unordered_map<std::string_view, HString*> rest;
-    return rest;
+    static auto* rest = new std::unordered_map<std::string_view, HString*>; // lasts as long as the records
+    return *rest;
 }
 
 constexpr std::array<uint32_t, 256> makeScatter() {

@@ -39,6 +39,7 @@ char* XMLDocument::copyOf(std::string_view text) {
 
 bool XMLDocument::parseInPlace(char* text, size_t length) {
     const CurrentPool current(this);
+    m_textBytes += length;
     XMLParser parser(*this);
     m_root = parser.parse(text, length);
     if (parser.error() == XMLParser::NoError)

@@ -27,9 +27,9 @@ public:
     bool parse(std::string_view bytes);
 
     /// The name in the DOCTYPE declaration, and what the XML declaration gives; null until one was read.
-    const char* docType() const { return m_docType; }
-    const char* version() const { return m_version; }
-    const char* encoding() const { return m_encoding; }
+    const char* docType() const { return m_declared.docType; }
+    const char* version() const { return m_declared.version; }
+    const char* encoding() const { return m_declared.encoding; }
     /// The root element, or null.
     XMLElement* root() const { return m_root; }
     bool keepText() const { return m_keepText; }
@@ -46,7 +46,16 @@ public:
     static std::string_view documentTypeIn(std::string_view bytes);
 
 protected:
+    struct Declared {
+        const char* docType = nullptr;
+        const char* version = nullptr;
+        const char* encoding = nullptr;
+    };
+    const Declared& declared() const { return m_declared; }
+    void setDeclared(const Declared& declared) { m_declared = declared; }
     void setRoot(XMLElement* root) { m_root = root; }
+    /// Bytes of all texts parsed so far.
+    size_t textBytes() const { return m_textBytes; }
 
 private:
     friend class XMLParser;
@@ -59,10 +68,9 @@ private:
     static constexpr size_t errorBytes = 1024;
 
     bool m_keepText;
-    const char* m_docType = nullptr;
-    const char* m_version = nullptr;
-    const char* m_encoding = nullptr;
+    Declared m_declared;
     XMLElement* m_root = nullptr;
+    size_t m_textBytes = 0;
     std::array<char, errorBytes> m_errorText{};
     unsigned m_errorLine = 0;
 };

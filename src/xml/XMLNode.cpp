@@ -42,7 +42,7 @@ void XMLNode::replaceChild(XMLNode* oldChild, XMLNode* newChild) {
 void XMLNode::reparentChildrenAfter(XMLNode* after, XMLNode* chain) {
     if (!chain)
         return;
-    XMLNode*& link = after && m_firstChild ? after->m_nextSibling : m_firstChild;
+    XMLNode*& link = linkAfter(m_firstChild ? after : nullptr);
     XMLNode* last = chain;
     for (XMLNode* node = chain; node; node = node->m_nextSibling) {
         node->m_parent = this;
@@ -52,11 +52,31 @@ void XMLNode::reparentChildrenAfter(XMLNode* after, XMLNode* chain) {
     link = chain;
 }
 
+void XMLNode::removeChildAfter(XMLNode* previous) {
+    XMLNode*& link = linkAfter(previous);
+    link = link->m_nextSibling;
+}
+
+void XMLNode::replaceChildAfter(XMLNode* previous, XMLNode* newChild) {
+    XMLNode*& link = linkAfter(previous);
+    newChild->m_parent = this;
+    newChild->m_nextSibling = link->m_nextSibling;
+    link = newChild;
+}
+
 const char* XMLNode::mkString(const char* text, size_t length) {
     auto* copy = static_cast<char*>(PoolObject::operator new(length + 1));
     std::copy_n(text, length, copy);
     copy[length] = '\0';
     return copy;
+}
+
+const char* XMLNode::mkString(const QString& text) {
+    auto* bytes = static_cast<char*>(PoolObject::operator new(static_cast<size_t>(text.size()) + 1));
+    char* end = std::transform(text.begin(), text.end(), bytes,
+                               [](QChar c) { return c.unicode() < 0x100 ? c.toLatin1() : '?'; });
+    *end = '\0';
+    return bytes;
 }
 
 XMLAttribute* XMLElement::find(const char* name) const {
@@ -91,6 +111,15 @@ void XMLElement::removeAttribute(const char* name) {
 const char* XMLElement::attribute(const char* name) const {
     const XMLAttribute* attribute = find(name);
     return attribute ? attribute->value : nullptr;
+}
+
+void XMLElement::copyAttributes(const XMLElement& other) {
+    const uint32_t count = other.m_attributeCount;
+    m_attributes = nullptr;
+    if (count)
+        m_attributes = static_cast<XMLAttribute*>(PoolObject::operator new(count * sizeof(XMLAttribute)));
+    std::copy_n(other.m_attributes, count, m_attributes);
+    m_attributeCount = m_attributeCapacity = count;
 }
 
 QString XMLElement::attributeText(const char* name) const {

@@ -30,6 +30,10 @@ public:
     /// Splices the siblings that begin with `chain` into the children, right behind the child `after`, or in
     /// front of all if that is null. Without any child the chain becomes the children.
     virtual void reparentChildrenAfter(XMLNode* after, XMLNode* chain);
+    /// As removeChild and replaceChild, for the child right behind `previous`, or the first one if that is
+    /// null; there must be one. These take no walk.
+    void removeChildAfter(XMLNode* previous);
+    void replaceChildAfter(XMLNode* previous, XMLNode* newChild);
     /// This node as an element, or null if it is of another kind.
     virtual XMLElement* toElement() { return nullptr; }
 
@@ -43,11 +47,13 @@ public:
 
     /// A copy of the text, with a zero byte behind it, in the current pool.
     static const char* mkString(const char* text, size_t length);
+    static const char* mkString(const QString& text);
 
 private:
     friend class XMLParser;
 
     XMLNode** linkTo(XMLNode* child);
+    XMLNode*& linkAfter(XMLNode* previous) { return previous ? previous->m_nextSibling : m_firstChild; }
     static XMLElement* elementFrom(XMLNode* node);
 
     XMLNode* m_parent = nullptr;
@@ -80,6 +86,8 @@ public:
     virtual std::span<XMLAttribute> getAttributeList() { return {m_attributes, m_attributeCount}; }
     std::span<const XMLAttribute> getAttributeList() const { return {m_attributes, m_attributeCount}; }
 
+    /// Takes the attributes of another element, names and values shared, in the place of its own.
+    void copyAttributes(const XMLElement& other);
     /// The value as text; null if there is no such attribute.
     QString attributeText(const char* name) const;
 

@@ -150,9 +150,9 @@ char* XMLParser::readDeclarationPair(char* p) {
     const std::string_view key(name, static_cast<size_t>(nameEnd - name));
     p = valueEnd == m_end ? m_end : valueEnd + 1;
     if (key == "version")
-        m_document.m_version = value;
+        m_document.m_declared.version = value;
     else if (key == "encoding")
-        m_document.m_encoding = value;
+        m_document.m_declared.encoding = value;
     terminate(valueEnd);
     return p;
 }
@@ -202,7 +202,7 @@ char* XMLParser::readDocType(char* p) {
     p = skip(nameEnd, WhiteSpace);
     if (*p != '>')
         return p;
-    m_document.m_docType = name;
+    m_document.m_declared.docType = name;
     terminate(nameEnd);
     return p + 1;
 }
@@ -215,7 +215,7 @@ char* XMLParser::readStartTag(char* p) {
     if (p == nameEnd && last != '>' && last != '/' && p != m_end)
         return stop(BadTagName, p);
     terminate(nameEnd);
-    open(m_document.mkXMLElement(name));
+    beginElement(m_document.mkXMLElement(name));
     if (p != nameEnd) {
         p = readAttributes(p);
         last = *p;
@@ -268,7 +268,7 @@ char* XMLParser::readEndOfElement(char* p) {
             return p;
     }
     if (m_open)
-        close();
+        endElement();
     return p + 1;
 }
 
@@ -282,12 +282,12 @@ inline char* XMLParser::readText(char* p) {
     return end;
 }
 
-void XMLParser::open(XMLElement* element) {
+void XMLParser::beginElement(XMLElement* element) {
     element->m_parent = m_open;
     m_open = element;
 }
 
-void XMLParser::close() {
+void XMLParser::endElement() {
     XMLNode* closed = m_open;
     m_open = closed->m_parent;
     closed->m_nextSibling = nullptr;

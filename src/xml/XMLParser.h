@@ -40,8 +40,8 @@ private:
     char* readEndOfElement(char* p);
     char* readText(char* p);
 
-    void open(XMLElement* element);
-    void close();
+    void beginElement(XMLElement* element);
+    void endElement();
     void append(XMLNode* node);
     char* stop(Error error, char* p);
     void terminate(char* end);

@@ -25,7 +25,7 @@ import tempfile
 def blocks(session):
     """The commands of a session with what they are to print: (command, out, err, status)."""
     command = None
-    for line in session.splitlines():
+    for line in session.split("\n"):
         if line.startswith("# "):
             continue
         if line.startswith("$ "):

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <memory>
 
 TEST(Pool, RoundsUpToEightAndFillsOneChunk) {
     Pool pool;
@@ -57,5 +58,6 @@ TEST(Pool, ObjectsComeFromTheCurrentPool) {
     EXPECT_EQ(pool.used(), 8u);
     EXPECT_EQ(Pool::setCurrentPool(nullptr), &pool);
     new Thing; // makes a pool and leaves it current
-    EXPECT_NE(Pool::setCurrentPool(former), nullptr);
+    const std::unique_ptr<Pool> made(Pool::setCurrentPool(former));
+    EXPECT_NE(made, nullptr);
 }

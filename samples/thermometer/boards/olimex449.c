@@ -1,0 +1,1 @@
+const char board_name[] = "olimex-449";
