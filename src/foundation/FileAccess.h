@@ -56,6 +56,11 @@ public:
     /// the new one, whole. The permissions of an old file stay, and a link to it stays a link.
     virtual int replace(const QString& path, std::string_view contents) = 0;
     virtual int remove(const QString& path) = 0;
+    /// Copies a file's contents, times and permissions (less the process's umask) to `to`, in whole or not at
+    /// all. A file already there must be writable, and a link there stays a link; EINVAL if it is `from`.
+    virtual int copy(const QString& from, const QString& to) = 0;
+    /// Sets or clears the owner's permission to write; the file must be readable.
+    virtual int setWritable(const QString& path, bool writable) = 0;
     /// Makes one directory; its parent must be there.
     virtual int makeDirectory(const QString& path) = 0;
 };

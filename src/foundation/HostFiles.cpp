@@ -57,14 +57,60 @@ int writeAll(int descriptor, std::string_view contents) {
     return 0;
 }
 
+int copyAll(int from, int to) {
+    const auto block = std::make_unique<char[]>(131'072);
+    for (;;) {
+        const ssize_t got = ::read(from, block.get(), 131'072);
+        if (got == 0)
+            return 0;
+        if (got < 0 && errno != EINTR)
+            return errno;
+        const std::string_view bytes(block.get(), got > 0 ? static_cast<size_t>(got) : 0);
+        if (const int error = writeAll(to, bytes); error != 0)
+            return error;
+    }
+}
+
+mode_t processMask() {
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return mask;
+}
+
 /// The permissions that a new file gets where an old one stood, or those of any new file.
 mode_t modeFor(const QByteArray& target) {
     struct stat old {};
     if (::stat(target.constData(), &old) == 0)
         return old.st_mode & 07777;
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return 0666 & ~mask;
+    return 0666 & ~processMask();
+}
+
+/// The file to which a name leads, through links; the name itself if there is none yet.
+QByteArray behindLinks(const QString& path) {
+    const QString resolved = resolvedPath(path);
+    return toBytes(resolved.isNull() ? path : resolved);
+}
+
+/// `fill` writes a new file, by its descriptor, that then stands in the place of `target`. Whatever fails,
+/// the old file is whole and nothing else is left.
+template<class Fill>
+int putInPlace(const QByteArray& target, mode_t mode, Fill fill) {
+    QByteArray temporary = temporaryNameFor(target);
+    Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
+    if (!file.isOpen())
+        return errno;
+    int error = fill(file.number());
+    if (error == 0 && ::fchmod(file.number(), mode) != 0)
+        error = errno;
+    if (error == 0 && ::fsync(file.number()) != 0)
+        error = errno;
+    if (const int closed = file.close(); error == 0)
+        error = closed;
+    if (error == 0 && ::rename(temporary.constData(), target.constData()) != 0)
+        error = errno;
+    if (error != 0)
+        ::unlink(temporary.constData());
+    return error;
 }
 
 class HostFiles : public FileAccess {
@@ -74,6 +120,8 @@ public:
     QList<QString> list(const QString& directory) override;
     int replace(const QString& path, std::string_view contents) override;
     int remove(const QString& path) override { return ::unlink(toBytes(path).constData()) == 0 ? 0 : errno; }
+    int copy(const QString& from, const QString& to) override;
+    int setWritable(const QString& path, bool writable) override;
     int makeDirectory(const QString& path) override {
         return ::mkdir(toBytes(path).constData(), 0777) == 0 ? 0 : errno;
     }
@@ -142,24 +190,35 @@ QList<QString> HostFiles::list(const QString& directory) {
 }
 
 int HostFiles::replace(const QString& path, std::string_view contents) {
-    const QString resolved = resolvedPath(path);
-    const QByteArray target = toBytes(resolved.isNull() ? path : resolved);
-    QByteArray temporary = temporaryNameFor(target);
-    Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
-    if (!file.isOpen())
+    const QByteArray target = behindLinks(path);
+    return putInPlace(target, modeFor(target), [&](int file) { return writeAll(file, contents); });
+}
+
+// The source may be a pipe that nobody writes to, which must not stop us.
+int HostFiles::copy(const QString& from, const QString& to) {
+    const Descriptor source(::open(toBytes(from).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat info {};
+    if (!source.isOpen() || ::fstat(source.number(), &info) != 0)
         return errno;
-    int error = writeAll(file.number(), contents);
-    if (error == 0 && ::fchmod(file.number(), modeFor(target)) != 0)
-        error = errno;
-    if (error == 0 && ::fsync(file.number()) != 0)
-        error = errno;
-    if (const int closed = file.close(); error == 0)
-        error = closed;
-    if (error == 0 && ::rename(temporary.constData(), target.constData()) != 0)
-        error = errno;
-    if (error != 0)
-        ::unlink(temporary.constData());
-    return error;
+    const QByteArray target = behindLinks(to);
+    if (target == behindLinks(from))
+        return EINVAL;
+    if (::access(target.constData(), W_OK) != 0 && errno != ENOENT)
+        return errno;
+    return putInPlace(target, info.st_mode & 07777 & ~processMask(), [&](int file) {
+        const timespec times[] = {info.st_atim, info.st_mtim};
+        const int error = copyAll(source.number(), file);
+        return error != 0 || ::futimens(file, times) == 0 ? error : errno;
+    });
+}
+
+int HostFiles::setWritable(const QString& path, bool writable) {
+    const Descriptor file(::open(toBytes(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat info {};
+    if (!file.isOpen() || ::fstat(file.number(), &info) != 0)
+        return errno;
+    const mode_t others = info.st_mode & 07777 & ~mode_t{S_IWUSR};
+    return ::fchmod(file.number(), writable ? others | S_IWUSR : others) == 0 ? 0 : errno;
 }
 
 HostFiles hostFiles;

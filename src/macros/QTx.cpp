@@ -42,3 +42,18 @@ bool QTx::makeDir(const QString& path) {
     const int error = files().makeDirectory(path);
     return error == 0 || (error == EEXIST && files().status(path).kind == FileStatus::Directory);
 }
+
+bool QTx::copyFile(const QString& from, const QString& to, bool makeDirectories) {
+    if (!files().status(from).exists())
+        return false;
+    if (makeDirectories)
+        Path::ensureDirExists(to);
+    const bool into = files().status(to).kind == FileStatus::Directory;
+    return files().copy(from, into ? to + "/" + Path(from).fileName() : to) == 0;
+}
+
+bool QTx::setWriteable(const QString& path, bool writable) {
+    return files().setWritable(path, writable) == 0;
+}
+
+bool QTx::removeFile(const QString& path) { return files().remove(path) == 0; }

@@ -18,4 +18,13 @@ QString userLocalAppDataDirectory(const QString& name);
 /// Makes a directory with its missing parents. True if it is there afterwards; false for the root.
 bool makeDir(const QString& path);
 
+/// Copies a file with its times and permissions, first making the directory of `to` if told so. If `to` is a
+/// directory, the copy goes into it under the file's own name. False if any of that fails, and then the
+/// destination is as it was.
+bool copyFile(const QString& from, const QString& to, bool makeDirectories);
+/// Sets or clears the owner's permission to write, and no other.
+bool setWriteable(const QString& path, bool writable);
+/// False also if there was no such file.
+bool removeFile(const QString& path);
+
 } // namespace QTx

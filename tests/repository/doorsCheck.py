@@ -9,7 +9,7 @@ root = pathlib.Path(sys.argv[1])
 
 RULES = {
     "opens, stats, lists or changes files": (
-        r"(?<![\w>])::(open|stat|lstat|fstat|unlink|rename|mkdir|opendir|creat|chmod|utime\w*|mkostemp|realpath|getcwd)\("
+        r"(?<![\w>])::(open|stat|lstat|fstat|unlink|rename|mkdir|opendir|creat|f?chmod|f?utime\w*|mkostemp|realpath|getcwd)\("
         r"|\bfopen\(|\bQFile\b|\bQFileInfo\b|\bQDir\b|\bQSaveFile\b|[io]fstream|std::filesystem",
         {"foundation/HostFiles.cpp"},
     ),

@@ -17,13 +17,15 @@ public:
 
     /// Writes a file with the present time, directories and all.
     void write(const QString& path, std::string_view contents) {
-        m_files[path] = {QByteArray(contents.data(), static_cast<qsizetype>(contents.size())), m_now};
+        m_files[path] = {QByteArray(contents.data(), static_cast<qsizetype>(contents.size())), m_now, true};
         for (qsizetype slash = path.lastIndexOf('/'); slash > 0; slash = path.lastIndexOf('/', slash - 1))
             m_directories.insert(path.left(slash));
     }
     void touch(const QString& path) { m_files[path].modified = m_now; }
     bool has(const QString& path) const { return m_files.contains(path); }
     QByteArray contents(const QString& path) const { return m_files.value(path).contents; }
+    bool isWritable(const QString& path) const { return m_files.value(path).writable; }
+    qint64 modified(const QString& path) const { return m_files.value(path).modified; }
     /// From now on every change fails with this error number; 0 ends that.
     void failWith(int error) { m_error = error; }
 
@@ -87,6 +89,26 @@ public:
         return m_error;
     }
 
+    int copy(const QString& from, const QString& to) override {
+        const auto source = m_files.constFind(from);
+        if (m_error != 0 || source == m_files.constEnd())
+            return m_error != 0 ? m_error : ENOENT;
+        const auto old = m_files.constFind(to);
+        if (from == to || (old != m_files.constEnd() && !old->writable))
+            return from == to ? EINVAL : EACCES;
+        const File copied = *source;
+        const int error = replace(to, viewOf(copied.contents));
+        if (error == 0)
+            m_files[to] = copied;
+        return error;
+    }
+
+    int setWritable(const QString& path, bool writable) override {
+        if (m_error == 0 && m_files.contains(path))
+            m_files[path].writable = writable;
+        return m_error == 0 && !m_files.contains(path) ? ENOENT : m_error;
+    }
+
     int makeDirectory(const QString& path) override {
         if (m_error != 0)
             return m_error;
@@ -103,6 +125,7 @@ private:
     struct File {
         QByteArray contents;
         qint64 modified = 0;
+        bool writable = true;
     };
     QMap<QString, File> m_files;
     QSet<QString> m_directories;
