@@ -1,3 +1,4 @@
+#include "foundation/Descriptor.h"
 #include "foundation/FileAccess.h"
 #include "foundation/Text.h"
 
@@ -13,26 +14,6 @@
 #include <utility>
 
 namespace {
-
-/// A descriptor that closes itself.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : m_number(number) {}
-    ~Descriptor() {
-        if (m_number >= 0)
-            ::close(m_number);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    bool isOpen() const { return m_number >= 0; }
-    int number() const { return m_number; }
-    /// 0 or the error number. A delayed write error shows here.
-    int close() { return ::close(std::exchange(m_number, -1)) == 0 ? 0 : errno; }
-
-private:
-    int m_number;
-};
 
 qint64 nanoseconds(const timespec& time) { return qint64{time.tv_sec} * 1'000'000'000 + time.tv_nsec; }
 

@@ -14,12 +14,28 @@ RULES = {
         {"foundation/HostFiles.cpp"},
     ),
     "reads the environment": (r"\bgetenv\(|\bqgetenv\(|\bqEnvironmentVariable\b", {"foundation/HostFiles.cpp"}),
-    "starts processes": (r"\bv?fork\(|\bexecv\w*\(|\bposix_spawn|\bsystem\(|\bpopen\(|\bQProcess\b", set()),
+    "starts processes": (r"\bv?fork\(|\bexecv\w*\(|\bposix_spawn|\bsystem\(|\bpopen\(|\bQProcess\b", {"driver/Spawn.cpp"}),
+    "waits for processes": (r"::wait(pid|id)?\(|\bSYS_pidfd_open\b", {"driver/Spawn.cpp", "driver/ProcessDescriptor.h"}),
+    "sends, blocks or catches signals": (
+        r"\b(sigaction|sigprocmask|signalfd|raise|kill)\(|(?<!\w)::signal\(|\bSYS_pidfd_send_signal\b",
+        {
+            "driver/Console.cpp",
+            "driver/Interruption.cpp",
+            "driver/ProcessDescriptor.h",
+            "driver/Spawn.cpp",
+            "driver/ToolStop.cpp",
+        },
+    ),
+    "changes the current directory": (r"\bf?chdir\(", {"driver/Spawn.cpp"}),
+    "writes to descriptors": (
+        r"(?<![\w>])::(p?writev?|send|sendfile)\(",
+        {"foundation/HostFiles.cpp", "driver/Console.cpp"},
+    ),
     "prints": (
         r"std::c(out|err)\b|\bf?printf\(|\bputs\(|\bfputs\(|\bqInfo\(|\bqDebug\(",
         {"driver/Usage.cpp", "driver/Ostmake.cpp"},
     ),
-    "ends the process": (r"\b(std::)?_?exit\(|\babort\(|std::terminate\(", set()),
+    "ends the process": (r"\b(std::)?_?exit\(|\babort\(|std::terminate\(", {"driver/Interruption.cpp", "driver/Spawn.cpp"}),
 }
 
 failures = []
