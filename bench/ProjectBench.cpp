@@ -15,7 +15,8 @@ namespace {
 std::string settings(int number, const char* level) {
     return "c_preprocessor_definitions=\"LEVEL_" + std::string(level) + "=" + std::to_string(number) +
            ";USE_LCD\" c_user_include_directories=\"$(ProjectDir)/include;../module_" +
-           std::to_string(number) + "\" build_treat_warnings_as_errors=\"Yes\" compile_pre_build_command=\"\"";
+           std::to_string(number) +
+           "\" build_treat_warnings_as_errors=\"Yes\" compile_pre_build_command=\"\"";
 }
 
 std::string configuration(const char* name, const std::string& attributes) {
@@ -37,7 +38,8 @@ std::string makeSolution(int projects, int files) {
                 configuration("Common", "filter=\"c;s43\"");
         for (int f = 0; f < files; ++f) {
             text += "<file file_name=\"source/part_" + std::to_string(f % 7) + "/module_" + number + "_" +
-                    std::to_string(f) + ".c\">\n  " + configuration("Common", settings(f, "FILE")) + "</file>\n";
+                    std::to_string(f) + ".c\">\n  " + configuration("Common", settings(f, "FILE")) +
+                    "</file>\n";
         }
         text += "</folder>\n</project>\n";
     }
@@ -100,32 +102,44 @@ struct Loaded {
     MSP430ProjectSystem system;
 };
 
-/// Depth six, four inherited configurations, each level with all of them and none with the setting.
+enum Stated { Nowhere, InOuterCommon, Everywhere };
+
+/// Depth six, four inherited configurations, all six configurations at every level. Nowhere: the setting is
+/// known to the tree but on no road. InOuterCommon: one value in the last place. Everywhere: a list out
+/// of 36.
 void SettingAtDepthSix(benchmark::State& state) {
-    std::string levels;
-    const auto all = [] {
-        std::string text;
-        for (const char* name : {"Common", "Debug", "Flash", "Traced", "Checked", "Small"})
-            text += configuration(name, settings(0, "X"));
-        return text;
-    }();
-    Loaded loaded("<!DOCTYPE OstrelTarn_Project_File><solution Name=\"s\" version=\"2\"><configuration "
-                  "Name=\"Debug\" inherited_configurations=\"Flash;Traced;Checked;Small\"/><solution Name=\"t\">" +
-                  all + "<project Name=\"p\">" + all + "<folder Name=\"d\">" + all + "<folder Name=\"e\">" + all +
-                  "<file file_name=\"f.c\">" + all + "</file></folder></folder></project></solution></solution>");
+    std::string all;
+    for (const char* name : {"Common", "Debug", "Flash", "Traced", "Checked", "Small"})
+        all += configuration(name, settings(0, "X"));
+    std::string outer = configuration("Debug", "inherited_configurations=\"Flash;Traced;Checked;Small\" " +
+                                                   settings(0, "X")) +
+                        configuration("Common", "linker_output_format=\"hex\" " + settings(0, "X"));
+    for (const char* name : {"Flash", "Traced", "Checked", "Small"})
+        outer += configuration(name, settings(0, "X"));
+    Loaded loaded("<!DOCTYPE OstrelTarn_Project_File><solution Name=\"s\" version=\"2\">" + outer +
+                  "<solution Name=\"t\">" + all + "<project Name=\"p\">" + all + "<folder Name=\"d\">" + all +
+                  "<folder Name=\"e\">" + all + "<file file_name=\"f.c\">" + all +
+                  "</file></folder></folder></project><project Name=\"q\">" +
+                  configuration("Common", "linker_map_file=\"No\"") + "</project></solution></solution>");
     ProjectElement* file = loaded.system.solutionElement();
     while (!file->is(ProjectElement::File))
         file = file->nextInTree(nullptr);
+    const Setting searched[] = {Setting::linker_map_file, Setting::linker_output_format,
+                                Setting::c_preprocessor_definitions};
+    const PropertyClass& property = propertyClass(searched[state.range(0)]);
     const QString config = "Debug";
-    // The first is stated nowhere, the second in every configuration.
-    const PropertyClass& property =
-        propertyClass(state.range(0) ? Setting::c_preprocessor_definitions : Setting::linker_map_file);
     for (auto _ : state) {
         for (int i = 0; i < 1'000'000; ++i)
             benchmark::DoNotOptimize(loaded.system.settingFor(file, property, config));
     }
 }
-BENCHMARK(SettingAtDepthSix)->ArgName("list")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(SettingAtDepthSix)
+    ->ArgName("stated")
+    ->Arg(Nowhere)
+    ->Arg(InOuterCommon)
+    ->Arg(Everywhere)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 
 /// Every applicable setting of every file.
 void AllSettingsOfAllFiles(benchmark::State& state) {

@@ -17,19 +17,22 @@ struct NodeMacros::Row {
     static ProjectElement* projectOf(const NodeMacros& macros) {
         return macros.m_system.projectContaining(macros.m_element);
     }
-    template<typename Take> static Text ofProject(const NodeMacros& macros, Take take) {
+    template<typename Take>
+    static Text ofProject(const NodeMacros& macros, Take take) {
         ProjectElement* project = projectOf(macros);
         return project ? Text(take(project)) : std::nullopt;
     }
     /// Something of the path of the solution's file.
-    template<typename Take> static Text ofSolution(const NodeMacros& macros, Take take) {
+    template<typename Take>
+    static Text ofSolution(const NodeMacros& macros, Take take) {
         ProjectElement* solution = macros.m_system.solutionContaining(macros.m_element);
         if (!solution)
             return std::nullopt;
         solution->checkDoFileStuff();
         return Text(take(solution->path()));
     }
-    template<typename Take> static Text ofFile(const NodeMacros& macros, Take take) {
+    template<typename Take>
+    static Text ofFile(const NodeMacros& macros, Take take) {
         if (!macros.m_element->is(ProjectElement::File))
             return std::nullopt;
         macros.m_element->checkDoFileStuff();

@@ -115,6 +115,8 @@ public:
     bool underProjectDir() const { return fileStuff().underProjectDir; }
     /// Makes `path` the file of a solution, modified at that time.
     void setSolutionFile(const QString& path, const QDateTime& lastModified);
+    /// The directory of the nearest solution's file, absolute.
+    QString solutionDirectory() const;
     /// When the file of a solution was last modified, as of its load.
     QDateTime lastModified() const { return m_solution ? m_solution->lastModified : QDateTime(); }
 
@@ -154,7 +156,6 @@ private:
     FileStuff& makeFileStuff();
     SolutionStuff& makeSolutionStuff();
     const ProjectElement* solutionWithFile() const;
-    QString solutionDirectory() const;
     void placeProject();
     void placeFile();
 

@@ -69,8 +69,8 @@ void ProjectElement::placeFile() {
     } else {
         file.projectDir = solutionDirectory();
     }
-    const QString name = MacroSystem::replaceMacros(
-        LazyScope([] { return macroSystem.globalMacros(true); }), attribute("file_name"));
+    const QString name = MacroSystem::replaceMacros(LazyScope([] { return macroSystem.globalMacros(true); }),
+                                                    attribute("file_name"));
     file.path.setPath(Path::isAbsolute(name) ? name : file.projectDir + "/" + name);
     file.relativeName = Path::isAbsolute(name) ? file.path.filePath() : name;
     const QString projectDirectory = Path::normalised(file.projectDir);

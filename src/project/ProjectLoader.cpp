@@ -19,9 +19,9 @@ namespace {
 
 constexpr const char* formatVersion = "2";
 
-constexpr int mostLevels = 1000;         ///< of elements within elements, imports included
-constexpr int mostSolutionLevels = 32;   ///< every level of solutions lengthens the listing keys below it
-constexpr int mostImports = 10'000;      ///< files that import a file twice double what they import
+constexpr int mostLevels = 1000;       ///< of elements within elements, imports included
+constexpr int mostSolutionLevels = 32; ///< every level of solutions lengthens the listing keys below it
+constexpr int mostImports = 10'000;    ///< files that import a file twice double what they import
 constexpr int mostElements = 10'000'000;
 
 [[noreturn]] void fail(const QString& file, const char* message) {
@@ -115,9 +115,9 @@ void ProjectSystem::applyTemplate(ProjectTemplates& templates, ProjectElement* p
     templates.createProjectFromTemplate(solution, project, *recipe);
 }
 
-std::unique_ptr<ProjectElement>
-ProjectSystem::loadProjectFile(const QString& directory, const QString& fileName,
-                               ProjectFileNotFoundErrorHandler* fileHandler) {
+std::unique_ptr<ProjectElement> ProjectSystem::loadProjectFile(const QString& directory,
+                                                               const QString& fileName,
+                                                               ProjectFileNotFoundErrorHandler* fileHandler) {
     QString tried = fileName;
     bool exists = files().status(tried).exists();
     if (!exists && !directory.isEmpty()) {
@@ -145,9 +145,8 @@ ProjectSystem::loadProjectFile(const QString& directory, const QString& fileName
     return root;
 }
 
-std::unique_ptr<ProjectElement>
-ProjectSystem::readProjectFile(const QString& tried, const QString& path,
-                               ProjectFileNotFoundErrorHandler* fileHandler) {
+std::unique_ptr<ProjectElement> ProjectSystem::readProjectFile(const QString& tried, const QString& path,
+                                                               ProjectFileNotFoundErrorHandler* fileHandler) {
     XMLDocument document(false);
     if (!document.load(path)) {
         const int line = static_cast<int>(document.errorLine());

@@ -2,7 +2,9 @@
 
 ProjectPropertyValue::ProjectPropertyValue(ProjectSystem& system, const PropertyClass* propertyClass,
                                            const QString& configuration, ProjectElement* node)
-    : PropertyValue(propertyClass), m_system(system), m_node(node),
+    : PropertyValue(propertyClass),
+      m_system(system),
+      m_node(node),
       m_configuration(propertyClass->perConfiguration() ? configuration : QString("Common")) {
     setTransient(true);
 }

@@ -21,10 +21,9 @@ public:
     const QString& configuration() const { return m_configuration; }
 
 protected:
-    ProjectSystem& system() const { return m_system; }
+    ProjectSystem& m_system;
 
 private:
-    ProjectSystem& m_system;
     ProjectElement* m_node;
     QString m_configuration;
 };

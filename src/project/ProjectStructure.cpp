@@ -202,10 +202,10 @@ QStringList matchingFiles(const QString& directory, const QString& filter) {
     const QStringList patterns = filterPatterns(filter);
     QStringList names;
     for (const QString& name : files().list(directory)) {
-        const bool matches = patterns.isEmpty() ||
-                             std::any_of(patterns.begin(), patterns.end(), [&](const QString& pattern) {
-                                 return wildcardMatches(pattern, name, Qt::CaseInsensitive);
-                             });
+        const bool matches =
+            patterns.isEmpty() || std::any_of(patterns.begin(), patterns.end(), [&](const QString& pattern) {
+                return wildcardMatches(pattern, name, Qt::CaseInsensitive);
+            });
         if (matches && !name.startsWith(u'.') &&
             files().status(directory + "/" + name).kind == FileStatus::File)
             names.append(name);
@@ -221,9 +221,13 @@ QStringList matchingFiles(const QString& directory, const QString& filter) {
 
 void ProjectSystem::populateDynamicFolder(ProjectElement* folder) {
     const QString path = folder->attribute("path");
-    const QString directory = path.startsWith(u'$')
-                                  ? MacroSystem::replaceMacros(macroSystem.globalMacros(true), path)
-                                  : QString(defaultFileLocation(folder) + "/" + path);
+    QString directory;
+    if (path.startsWith(u'$')) {
+        directory = MacroSystem::replaceMacros(macroSystem.globalMacros(true), path);
+    } else {
+        const QString base = defaultFileLocation(folder);
+        directory = (base.isNull() ? folder->solutionDirectory() : base) + "/" + path;
+    }
     QSet<QString> present;
     for (ProjectElement* child = folder->firstChild(); child; child = child->nextSibling()) {
         if (child->is(ProjectElement::File))

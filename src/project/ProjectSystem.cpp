@@ -50,8 +50,7 @@ ProjectElement* ProjectSystem::createFolder(ProjectElement* parent, const QStrin
 ProjectElement* ProjectSystem::addFile(ProjectElement* parent, const QString& fileName, bool flag) {
     auto file = std::make_unique<ProjectElement>(ProjectElement::File);
     file->setFileName(fileName, flag);
-    ProjectElement* folder =
-        parent->is(ProjectElement::Folder) ? nullptr : folderClaiming(parent, fileName);
+    ProjectElement* folder = parent->is(ProjectElement::Folder) ? nullptr : folderClaiming(parent, fileName);
     return (folder ? folder : parent)->appendChild(std::move(file));
 }
 

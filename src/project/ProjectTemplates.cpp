@@ -152,8 +152,7 @@ void ProjectTemplates::applyProperty(ProjectElement* parent, const XMLElement& e
 void ProjectTemplates::applyPropertyGroup(ProjectElement* parent, const XMLElement& element) {
     if (!element.hasAttribute("name") || !element.hasAttribute("value"))
         return;
-    const QString groups =
-        m_system.settingForExpanded(parent, Setting::property_groups_file_path, "Common");
+    const QString groups = m_system.settingForExpanded(parent, Setting::property_groups_file_path, "Common");
     if (!groups.isEmpty())
         propertyValueGroups.setGroupFile(groups);
     const QString name = element.attributeText("name");

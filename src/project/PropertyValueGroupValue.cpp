@@ -14,12 +14,11 @@ void PropertyValueGroupValue::setPropertyValue(const QString& text, bool flag) {
         name = m_groupClass->defaultValue();
         entry = m_groupClass->getGroupEntry(name);
     }
-    system().setProperty(node(), *m_groupClass, configuration(), name, flag);
+    m_system.setProperty(node(), *m_groupClass, configuration(), name, flag);
     if (!entry)
         return;
     for (const PropertyValueGroupEntry::Property& property : entry.properties()) {
-        const QString& target =
-            property.configuration.isNull() ? configuration() : property.configuration;
-        system().setProperty(node(), property.name, target, property.value, flag);
+        const QString& target = property.configuration.isNull() ? configuration() : property.configuration;
+        m_system.setProperty(node(), property.name, target, property.value, flag);
     }
 }

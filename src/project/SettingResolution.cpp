@@ -17,6 +17,9 @@
 #include "project/MessageReceiver.h"
 #include "project/NodeMacros.h"
 
+#include <QVarLengthArray>
+#include <algorithm>
+
 namespace {
 
 Symbol commonSymbol() {
@@ -63,14 +66,17 @@ const std::vector<Symbol> InheritedNames::none;
 class Search {
 public:
     Search(const PropertyClass& propertyClass, PropertyInheritanceInformation* info, SettingOrigins* origins)
-        : m_class(propertyClass), m_property(Symbol::find(propertyClass.saveName())),
-          m_isList(propertyClass.type() == PropertyClass::StringList), m_info(info), m_origins(origins) {}
+        : m_class(propertyClass),
+          m_property(Symbol::find(propertyClass.saveName())),
+          m_isList(propertyClass.type() == PropertyClass::StringList),
+          m_info(info),
+          m_origins(origins) {}
 
     QString run(ProjectElement* element, const QString& configName) {
         if (m_property) // else no attribute has this name anywhere
             walk(element, Symbol::find(configName), configName == "Common");
-        if (!m_result.isNull())
-            return m_result;
+        if (!m_hits.isEmpty())
+            return gathered();
         if (m_info)
             m_info->append({m_class.defaultValue(), QString(""), nullptr});
         if (m_origins)
@@ -109,8 +115,26 @@ private:
             info->append({*value, element->getName(), element});
         if (m_origins)
             m_origins->append({element, configuration.text(), *value});
-        m_result = m_result.isEmpty() ? *value : QString(m_result + ";" + *value);
+        m_hits.append(value);
         return !m_isList;
+    }
+
+    /// The hits joined by ";", but for the empty ones in front.
+    QString gathered() const {
+        if (m_hits.size() == 1)
+            return *m_hits[0];
+        qsizetype size = m_hits.size();
+        for (const QString* hit : m_hits)
+            size += hit->size();
+        QString result(size, Qt::Uninitialized);
+        QChar* out = result.data();
+        for (const QString* hit : m_hits) {
+            if (out != result.constData())
+                *out++ = u';';
+            out = std::copy(hit->cbegin(), hit->cend(), out);
+        }
+        result.truncate(out - result.constData());
+        return result;
     }
 
     const PropertyClass& m_class;
@@ -118,7 +142,7 @@ private:
     const bool m_isList;
     PropertyInheritanceInformation* m_info;
     SettingOrigins* m_origins;
-    QString m_result;
+    QVarLengthArray<const QString*, 64> m_hits;
 };
 
 } // namespace
@@ -129,8 +153,7 @@ QString ProjectSystem::settingFor(ProjectElement* element, const PropertyClass& 
     return Search(propertyClass, info, origins).run(element, configName);
 }
 
-QString ProjectSystem::settingFor(ProjectElement* element, Setting setting,
-                                  const QString& configName) const {
+QString ProjectSystem::settingFor(ProjectElement* element, Setting setting, const QString& configName) const {
     return settingFor(element, propertyClass(setting), configName);
 }
 

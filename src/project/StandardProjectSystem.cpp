@@ -176,14 +176,15 @@ struct TypeRow {
     const char* type;
 };
 
-constexpr TypeRow extensionTypes[] = {{"c", "C"},      {"cpp", "C++"},      {"cxx", "C++"},
-                                      {"cc", "C++"},   {"asm", "Assembly"}, {"s", "Assembly"}};
+constexpr TypeRow extensionTypes[] = {{"c", "C"},    {"cpp", "C++"},      {"cxx", "C++"},
+                                      {"cc", "C++"}, {"asm", "Assembly"}, {"s", "Assembly"}};
 
 constexpr TypeRow documentTypes[] = {{"Board_Memory_Definition_File", "Memory Map"},
                                      {"Linker_Placement_File", "Section Placement"},
                                      {"OstrelTarn_Target_Definition_File", "Target Definitions"}};
 
-template<size_t count> QString typeOf(const TypeRow (&rows)[count], const QString& key) {
+template<size_t count>
+QString typeOf(const TypeRow (&rows)[count], const QString& key) {
     for (const TypeRow& row : rows) {
         if (key == QLatin1String(row.key))
             return row.type;

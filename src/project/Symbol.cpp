@@ -9,16 +9,15 @@
 namespace {
 
 /// Text and its bytes have one hash, so that the loader finds a name without converting it.
-template<typename Text> size_t hashOf(const Text& text) {
+template<typename Text>
+size_t hashOf(const Text& text) {
     uint64_t hash = 0xcbf29ce484222325u;
     for (const auto c : text)
         hash = (hash ^ static_cast<uint16_t>(QChar(c).unicode())) * 0x100000001b3u;
     return static_cast<size_t>(hash ^ (hash >> 29));
 }
 
-QLatin1String latin1(std::string_view bytes) {
-    return {bytes.data(), static_cast<qsizetype>(bytes.size())};
-}
+QLatin1String latin1(std::string_view bytes) { return {bytes.data(), static_cast<qsizetype>(bytes.size())}; }
 
 } // namespace
 
@@ -38,12 +37,13 @@ struct Symbol::Table {
         bool operator()(QLatin1String a, const Entry* b) const { return b->text == a; }
     };
 
-    template<typename Text> const Entry* find(const Text& text) const {
+    template<typename Text>
+    const Entry* find(const Text& text) const {
         const auto found = index.find(text);
         return found == index.end() ? nullptr : *found;
     }
     const Entry* add(const QString& text) {
-        entries.push_back({text, static_cast<uint32_t>(entries.size())});
+        entries.push_back({text});
         index.insert(&entries.back());
         return &entries.back();
     }

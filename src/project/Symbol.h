@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QString>
-#include <cstdint>
+#include <functional>
 #include <string_view>
 
 /// The name of an attribute or of a configuration, once for the whole process: a tree holds hundreds of
@@ -20,13 +20,12 @@ public:
     const QString& text() const { return m_entry->text; }
     explicit operator bool() const { return m_entry != nullptr; }
     bool operator==(const Symbol& other) const = default;
-    /// The order in which the symbols were made.
-    bool operator<(const Symbol& other) const { return m_entry->number < other.m_entry->number; }
+    /// An order without meaning, for sorted containers.
+    bool operator<(const Symbol& other) const { return std::less<>()(m_entry, other.m_entry); }
 
 private:
     struct Entry {
         QString text;
-        uint32_t number;
     };
     struct Table;
 

@@ -1,6 +1,6 @@
-#include "macros/MacroSystem.h"
 #include "project/NodeMacros.h"
-#include "project/SolutionFixture.h"
+#include "macros/MacroSystem.h"
+#include "support/SolutionFixture.h"
 
 class NodeMacrosOf : public SolutionFixture {
 protected:
@@ -10,9 +10,11 @@ protected:
 };
 
 TEST_F(NodeMacrosOf, EachKindOfNodeHasItsMacros) {
-    load("<configuration Name=\"Common\" Platform=\"MSP430\" build_output_directory=\"$(SolutionName)/$(Configuration)\""
+    load("<configuration Name=\"Common\" Platform=\"MSP430\" "
+         "build_output_directory=\"$(SolutionName)/$(Configuration)\""
          " build_root_output_directory=\"out\"/>"
-         "<project Name=\"p\"><configuration Name=\"Common\" project_directory=\"sub\" build_intermediate_directory=\"\"/>"
+         "<project Name=\"p\"><configuration Name=\"Common\" project_directory=\"sub\" "
+         "build_intermediate_directory=\"\"/>"
          "<folder Name=\"d\"><file file_name=\"src/main.test.c\"/></folder></project>");
     const struct {
         const char* text;
@@ -53,7 +55,8 @@ TEST_F(NodeMacrosOf, EachKindOfNodeHasItsMacros) {
 }
 
 TEST_F(NodeMacrosOf, DirectoriesSeeOnlyTheRowsInFrontOfThem) {
-    load("<configuration Name=\"Common\" macros=\"OutDir=early;X=1\" build_intermediate_directory=\"$(OutDir)/i\""
+    load("<configuration Name=\"Common\" macros=\"OutDir=early;X=1\" "
+         "build_intermediate_directory=\"$(OutDir)/i\""
          " build_output_directory=\"$(IntDir)/o\"/><project Name=\"p\"/>");
     EXPECT_EQ(expand("$(IntDir)", "p"), "early/i");
     EXPECT_EQ(expand("$(OutDir)", "p"), "early/i/o");
@@ -73,8 +76,10 @@ TEST_F(NodeMacrosOf, ProjectMacrosBeatGlobalOnesAndLoseToTheTable) {
 }
 
 TEST_F(NodeMacrosOf, LibraryNamesFollowTheProcessor) {
-    load("<configuration Name=\"D\" build_use_hardware_multiplier=\"16-Bit Multiplier\" double_is_float=\"No\"/>"
-         "<configuration Name=\"E\" build_use_hardware_multiplier=\"32-Bit Multiplier\" double_is_float=\"Yes\" "
+    load("<configuration Name=\"D\" build_use_hardware_multiplier=\"16-Bit Multiplier\" "
+         "double_is_float=\"No\"/>"
+         "<configuration Name=\"E\" build_use_hardware_multiplier=\"32-Bit Multiplier\" "
+         "double_is_float=\"Yes\" "
          "msp430_insn_set=\"MSP430X\"/><project Name=\"p\"/>");
     EXPECT_EQ(expand("$(LibExt)", "p", "D"), "_hw16_double");
     EXPECT_EQ(expand("$(LibExt)", "p", "E"), "_hw32_single_cpux");

@@ -1,6 +1,6 @@
-#include "macros/MacroSystem.h"
 #include "project/ProjectElement.h"
-#include "project/SolutionFixture.h"
+#include "macros/MacroSystem.h"
+#include "support/SolutionFixture.h"
 #include "support/XMLText.h"
 
 namespace {
@@ -108,7 +108,8 @@ TEST_F(FilePlaces, NamesCountFromTheProjectDirectory) {
     load("<file file_name=\"loose.c\"/>"
          "<project Name=\"plain\"><folder Name=\"d\"><file file_name=\"src/../a.b.c\"/></folder></project>"
          "<project Name=\"relative\"><configuration Name=\"Common\" project_directory=\"sub\"/>"
-         "  <file file_name=\"src/r.c\"/><file file_name=\"$(Lib)/x/m.c\"/><file file_name=\"../up.c\"/></project>"
+         "  <file file_name=\"src/r.c\"/><file file_name=\"$(Lib)/x/m.c\"/><file "
+         "file_name=\"../up.c\"/></project>"
          "<project Name=\"absolute\"><configuration Name=\"Common\" project_directory=\"/abs\"/>"
          "  <file file_name=\"z.c\" Name=\"\"/></project>"
          "<solution Name=\"inline\"><project Name=\"inner\"><file file_name=\"i.c\"/></project></solution>");

@@ -1,5 +1,5 @@
-#include "project/SolutionFixture.h"
 #include "project/Wildcard.h"
+#include "support/SolutionFixture.h"
 
 #include <random>
 
@@ -7,7 +7,8 @@ using ::testing::ElementsAre;
 
 namespace {
 
-/// Listing keys as the definition has them: each solution collects twice, so the time doubles with each level.
+/// Listing keys as the definition has them: each solution collects twice, so the time doubles with each
+/// level.
 struct PlainListing {
     ElementMap solutions;
     std::map<ProjectElement*, ElementMap> projects;
@@ -15,10 +16,12 @@ struct PlainListing {
     void collect(ElementMap& map, const QString& prefix, ProjectElement* element) {
         for (ProjectElement* child = element->firstChild(); child; child = child->nextSibling()) {
             if (child->is(ProjectElement::Project))
-                map[prefix.isEmpty() ? child->getName() : QString(child->getName() + "(" + prefix + ")")] = child;
+                map[prefix.isEmpty() ? child->getName() : QString(child->getName() + "(" + prefix + ")")] =
+                    child;
             if (!child->is(ProjectElement::Solution))
                 continue;
-            const QString childPrefix = prefix.isEmpty() ? child->getName() : QString(prefix + "," + child->getName());
+            const QString childPrefix =
+                prefix.isEmpty() ? child->getName() : QString(prefix + "," + child->getName());
             solutions[childPrefix] = child;
             collect(map, childPrefix, child);
             projects[child].clear();
@@ -46,7 +49,8 @@ protected:
 };
 
 TEST_F(ProjectStructure, KeysTellTheWayThroughNestedSolutions) {
-    load("<solution Name=\"A\"><project Name=\"Q\"/><solution Name=\"B\"><project Name=\"P\"/></solution></solution>"
+    load("<solution Name=\"A\"><project Name=\"Q\"/><solution Name=\"B\"><project "
+         "Name=\"P\"/></solution></solution>"
          "<project Name=\"P\"/><folder Name=\"d\"><project Name=\"unseen\"/></folder>");
     EXPECT_THAT(system.projectNames(), ElementsAre("P", "P(A,B)", "Q(A)"));
     EXPECT_THAT(system.solutionProjects(node("A")).keys(), ElementsAre("P(B)", "Q"));
@@ -145,10 +149,10 @@ TEST(Wildcard, MatchesTheWholeText) {
         const char* text;
         bool matches;
     } rows[] = {
-        {"", "", true},          {"", "a", false},          {"*", "", true},         {"a*b*c", "a.b.b.c", true},
-        {"a*b*c", "abcd", false}, {"?", "", false},         {"a.c", "abc", false},   {"[a-c]x", "bx", true},
-        {"[^a-c]x", "bx", false}, {"[^a-c]x", "dx", true},  {"[]]", "]", true},      {"[a", "a", false},
-        {"[a-]", "-", true},      {"\\*", "\\x", true},     {"**a", "xa", true},     {"*[0-9]", "a1b2", true},
+        {"", "", true},           {"", "a", false},        {"*", "", true},       {"a*b*c", "a.b.b.c", true},
+        {"a*b*c", "abcd", false}, {"?", "", false},        {"a.c", "abc", false}, {"[a-c]x", "bx", true},
+        {"[^a-c]x", "bx", false}, {"[^a-c]x", "dx", true}, {"[]]", "]", true},    {"[a", "a", false},
+        {"[a-]", "-", true},      {"\\*", "\\x", true},    {"**a", "xa", true},   {"*[0-9]", "a1b2", true},
         {"A", "a", false},        {"[!a]", "!", true},
     };
     for (const auto& row : rows)
@@ -168,17 +172,30 @@ TEST_F(ProjectStructure, FileTypeComesFromTheSettingThenTheExtension) {
         const char* name;
         const char* type;
     } rows[] = {
-        {"a.c", "C"},           {"a.C", "C"},          {"a.b.cpp", "C++"},  {"a.cxx", "C++"},
-        {"a.cc", "C++"},        {"a.asm", "Assembly"}, {"a.s", "Assembly"}, {"a.S43", "Assembly"},
-        {"a.vko", "Object file"}, {"a.vkx", "Executable"}, {"a.vka", "Library"}, {"a.h", ""},
-        {"c", ""},              {"map.xml", "Memory Map"}, {"place.XML", "Section Placement"},
-        {"other.xml", ""},      {"missing.xml", ""},
+        {"a.c", "C"},
+        {"a.C", "C"},
+        {"a.b.cpp", "C++"},
+        {"a.cxx", "C++"},
+        {"a.cc", "C++"},
+        {"a.asm", "Assembly"},
+        {"a.s", "Assembly"},
+        {"a.S43", "Assembly"},
+        {"a.vko", "Object file"},
+        {"a.vkx", "Executable"},
+        {"a.vka", "Library"},
+        {"a.h", ""},
+        {"c", ""},
+        {"map.xml", "Memory Map"},
+        {"place.XML", "Section Placement"},
+        {"other.xml", ""},
+        {"missing.xml", ""},
     };
     for (const auto& row : rows) {
         load("<file file_name=\"" + std::string(row.name) + "\"/>");
         EXPECT_EQ(system.getFileType(node(row.name)), row.type) << row.name;
     }
-    load("<file file_name=\"a.c\"><configuration Name=\"Common\" file_type=\"Default\"/><configuration Name=\"D\" "
+    load("<file file_name=\"a.c\"><configuration Name=\"Common\" file_type=\"Default\"/><configuration "
+         "Name=\"D\" "
          "file_type=\"Library\"/></file><file file_name=\"b.c\"><configuration Name=\"Common\" "
          "file_type=\"Assembly\"/></file>");
     EXPECT_EQ(system.getFileType(node("a.c")), "C");
@@ -191,7 +208,8 @@ TEST_F(ProjectStructure, FileTypeComesFromTheSettingThenTheExtension) {
 }
 
 TEST_F(ProjectStructure, ChildrenAreFoundByTheTextOfTheirNames) {
-    ProjectElement* root = load("<file file_name=\"$(X)/a.c\"/><folder Name=\"d\"><file file_name=\"b.c\"/></folder>");
+    ProjectElement* root =
+        load("<file file_name=\"$(X)/a.c\"/><folder Name=\"d\"><file file_name=\"b.c\"/></folder>");
     EXPECT_NE(system.findFile(root, "$(X)/a.c"), nullptr);
     EXPECT_EQ(system.findFile(root, "/a.c"), nullptr);
     EXPECT_EQ(system.findFile(root, "b.c"), nullptr);

@@ -1,6 +1,6 @@
-#include "macros/MacroSystem.h"
 #include "project/ProjectTemplates.h"
-#include "project/SolutionFixture.h"
+#include "macros/MacroSystem.h"
+#include "support/SolutionFixture.h"
 
 using ::testing::ElementsAre;
 
@@ -8,14 +8,16 @@ class Templates : public SolutionFixture {
 protected:
     Templates() {
         macroSystem.setSystemMacro("TargetsDir", "/t");
-        memory.write("/s/app.vkp", file("<solution Name=\"app\" version=\"2\"><project Name=\"p\" "
-                                        "template_name=\"T\"/><project Name=\"q\" template_name=\"T\"/></solution>"));
+        memory.write("/s/app.vkp",
+                     file("<solution Name=\"app\" version=\"2\"><project Name=\"p\" "
+                          "template_name=\"T\"/><project Name=\"q\" template_name=\"T\"/></solution>"));
     }
     /// The solution app, whose projects p and q are both made from this recipe.
     QString made(const std::string& recipe, const std::string& configurations = "") {
-        memory.write("/t/project_templates.xml", "<projects><group><project template_name=\"T\" type=\"Library\">" +
-                                                     recipe + "</project></group><configurations>" +
-                                                     configurations + "</configurations></projects>");
+        memory.write("/t/project_templates.xml",
+                     "<projects><group><project template_name=\"T\" type=\"Library\">" + recipe +
+                         "</project></group><configurations>" + configurations +
+                         "</configurations></projects>");
         system.loadSolution("/s/app.vkp");
         return dump(system.solutionElement());
     }
@@ -23,8 +25,8 @@ protected:
     static QString both(const std::string& attributes, const std::string& below) {
         std::string text = "solution Name=\"app\" version=\"2\"\n";
         for (const char* name : {"p", "q"})
-            text += std::string("  project Name=\"") + name + "\"\n    configuration Name=\"Common\"" + attributes +
-                    " project_type=\"Library\"\n" + below;
+            text += std::string("  project Name=\"") + name + "\"\n    configuration Name=\"Common\"" +
+                    attributes + " project_type=\"Library\"\n" + below;
         return QString::fromStdString(text);
     }
 };
@@ -32,7 +34,8 @@ protected:
 TEST_F(Templates, RecipeMakesFoldersFilesAndSettings) {
     EXPECT_EQ(made("<folder name=\"Source\" filter=\"c\"><folder name=\"Inner\"/></folder>"
                    "<file name=\"$(ProjectName:none)/main.c\"/>"
-                   "<file name=\"$(ProjectName)/raw.h\" expand=\"No\"><property name=\"file_type\" value=\"C\"/></file>"
+                   "<file name=\"$(ProjectName)/raw.h\" expand=\"No\"><property name=\"file_type\" "
+                   "value=\"C\"/></file>"
                    "<file name=\"copied.c\" source=\"$(TarnDir)/copied.c\"><file name=\"unread.c\"/></file>"
                    "<folder name=\"Source\"><file name=\"x.txt\"/></folder>"
                    "<property name=\"a\" value=\"$(Configuration)\"/>"

@@ -1,6 +1,6 @@
 #include "project/MessageReceiver.h"
 #include "project/ProjectPropertyValue.h"
-#include "project/SolutionFixture.h"
+#include "support/SolutionFixture.h"
 
 using ::testing::ElementsAre;
 
@@ -47,7 +47,8 @@ TEST_F(SettingResolution, NearestLevelWinsAndListsGatherInSearchOrder) {
         ASSERT_EQ(system.settingFor(file, list, "D", nullptr, &origins), all);
         QStringList traced;
         for (const SettingOrigin& origin : origins)
-            traced.append(origin.element ? origin.element->getName() + "." + origin.configuration : origin.text);
+            traced.append(origin.element ? origin.element->getName() + "." + origin.configuration
+                                         : origin.text);
         ASSERT_EQ(traced.join(";"), all);
         // "Common" is searched alone.
         const QStringList common = expected.filter(".Common");
@@ -56,7 +57,8 @@ TEST_F(SettingResolution, NearestLevelWinsAndListsGatherInSearchOrder) {
 }
 
 TEST_F(SettingResolution, EmptyValueIsAValue) {
-    load("<configuration Name=\"Common\" macros=\"A=1\" c_system_include_directories=\"\"/><project Name=\"p\">"
+    load("<configuration Name=\"Common\" macros=\"A=1\" c_system_include_directories=\"\"/><project "
+         "Name=\"p\">"
          "<configuration Name=\"Common\" linker_output_format=\"hex\"/>"
          "<configuration Name=\"D\" linker_output_format=\"\" macros=\"\"/></project>");
     EXPECT_EQ(setting("linker_output_format", "p", "D"), "");
@@ -104,7 +106,8 @@ TEST_F(SettingResolution, ConfigurationsAreThoseThatSolutionsOffer) {
     load("<configuration Name=\"Release\"/><configuration Name=\"Debug\"/><configuration Name=\"Common\"/>"
          "<configuration Name=\"Base\" hidden=\"No\"/><configuration Name=\"ARM\" Platform=\"ARM\"/>"
          "<project Name=\"p\"><configuration Name=\"Own\"/></project>"
-         "<solution Name=\"in\"><configuration Name=\"Debug\" hidden=\"\"/><configuration Name=\"Alone\"/></solution>");
+         "<solution Name=\"in\"><configuration Name=\"Debug\" hidden=\"\"/><configuration "
+         "Name=\"Alone\"/></solution>");
     EXPECT_THAT(system.configurations(node("p"), 4), ElementsAre("Debug", "Release"));
     EXPECT_THAT(system.configurations(nullptr, 5), ElementsAre("Common", "Debug", "Release"));
     EXPECT_THAT(system.configurations(node("app"), 2), ElementsAre("Base"));
@@ -138,8 +141,9 @@ TEST_F(SettingResolution, ApplicableSettingsFollowTheKindOfNode) {
     const auto typed = [](const char* type) {
         const std::string t = type;
         return "<project Name=\"" + t + "\"><configuration Name=\"Common\" project_type=\"" + t +
-               "\"/><folder Name=\"folder " + t + "\"><file file_name=\"" + t + ".c\"/><file file_name=\"" + t +
-               ".s43\"/><file file_name=\"" + t + ".cpp\"/><file file_name=\"" + t + ".txt\"/></folder></project>";
+               "\"/><folder Name=\"folder " + t + "\"><file file_name=\"" + t + ".c\"/><file file_name=\"" +
+               t + ".s43\"/><file file_name=\"" + t + ".cpp\"/><file file_name=\"" + t +
+               ".txt\"/></folder></project>";
     };
     load(typed("Executable") + typed("Staging") + typed("Combining"));
     const struct {
@@ -197,9 +201,9 @@ TEST_F(SettingResolution, NearestChangeDecidesForOneValueAnyForAList) {
     EXPECT_TRUE(upToDate(single, "D", future));
     EXPECT_TRUE(upToDate(single, "Common", past));
     EXPECT_FALSE(upToDate(list, "Common", past));
-    EXPECT_THAT(receiver.told, ElementsAre("Generate Map File property has changed.",
-                                           "Project Macros property has changed.",
-                                           "Project Macros property has changed."));
+    EXPECT_THAT(receiver.told,
+                ElementsAre("Generate Map File property has changed.", "Project Macros property has changed.",
+                            "Project Macros property has changed."));
     EXPECT_FALSE(system.upToDate(node("p"), list, "D", past, nullptr, false));
     EXPECT_FALSE(system.upToDate(node("p"), list, "D", past, &receiver, true));
     EXPECT_EQ(receiver.told.size(), 3);

@@ -1,5 +1,5 @@
 #include "macros/MacroSystem.h"
-#include "project/SolutionFixture.h"
+#include "support/SolutionFixture.h"
 
 namespace {
 
@@ -42,8 +42,9 @@ TEST_F(SolutionLoad, ImportsCountFromTheirFileAndMayComeTwice) {
     for (const char* name : {"/s/lib/two.vkp", "/s/lib/../lib/two.vkp"}) // files in memory know no ".."
         memory.write(name, file("<solution Name=\"two\" version=\"2\"><project Name=\"p\"><file "
                                 "file_name=\"x.c\"/></project></solution>"));
-    ProjectElement* root = load("<import file_name=\"$(Dir)/one.vkp\"><project Name=\"unread\"/></import>"
-                                "<import file_name=\"/s/lib/two.vkp\"/><import file_name=\"lib/../lib/two.vkp\"/>");
+    ProjectElement* root =
+        load("<import file_name=\"$(Dir)/one.vkp\"><project Name=\"unread\"/></import>"
+             "<import file_name=\"/s/lib/two.vkp\"/><import file_name=\"lib/../lib/two.vkp\"/>");
     const std::string two = "    project Name=\"p\"\n      file file_name=\"x.c\"\n";
     EXPECT_EQ(dump(root).toStdString(),
               "solution Name=\"app\" version=\"2\"\n"
@@ -52,7 +53,8 @@ TEST_F(SolutionLoad, ImportsCountFromTheirFileAndMayComeTwice) {
               "      project Name=\"p\"\n"
               "        file file_name=\"x.c\"\n"
               "  solution Name=\"two\" file_name=\"/s/lib/two.vkp\" version=\"2\" imported\n" +
-                  two + "  solution Name=\"two\" file_name=\"lib/../lib/two.vkp\" version=\"2\" imported\n" + two);
+                  two + "  solution Name=\"two\" file_name=\"lib/../lib/two.vkp\" version=\"2\" imported\n" +
+                  two);
     node("x.c")->checkDoFileStuff();
     EXPECT_EQ(node("x.c")->path().filePath(), "/s/lib/x.c");
     EXPECT_EQ(node("one")->path().filePath(), "/s/lib/one.vkp");
@@ -61,9 +63,11 @@ TEST_F(SolutionLoad, ImportsCountFromTheirFileAndMayComeTwice) {
 TEST_F(SolutionLoad, EachFailureHasItsText) {
     const std::string head = "<!DOCTYPE OstrelTarn_Project_File>";
     memory.write("/s/./self.vkp", "");
-    memory.write("/s/self.vkp", file("<solution version=\"2\"><import file_name=\"./self.vkp\"/></solution>"));
+    memory.write("/s/self.vkp",
+                 file("<solution version=\"2\"><import file_name=\"./self.vkp\"/></solution>"));
     memory.write("/s/ping.vkp", file("<solution version=\"2\"><import file_name=\"pong.vkp\"/></solution>"));
-    memory.write("/s/pong.vkp", file("<solution version=\"2\"><import file_name=\"/s/ping.vkp\"/></solution>"));
+    memory.write("/s/pong.vkp",
+                 file("<solution version=\"2\"><import file_name=\"/s/ping.vkp\"/></solution>"));
     memory.write("here.vkp", file("<solution version=\"2\"/>"));
     memory.write("/s/elsewhere/here.vkp", file("<solution version=\"2\"/>"));
     const struct {
@@ -80,15 +84,18 @@ TEST_F(SolutionLoad, EachFailureHasItsText) {
         {head + "\n<solution>\n<a></b></solution>", "/s/app.vkp:2 - tagName mismatch"},
         {head + "\n<solution a-b=\"\"/>", "/s/app.vkp:1 - bad tagName"},
         {head + "<solution><import file_name=\"app.vkp\"/></solution>", "/s/app.vkp solution already loaded"},
-        {head + "<solution><import file_name=\"self.vkp\"/></solution>", "/s/self.vkp solution already loaded"},
-        {head + "<solution><import file_name=\"ping.vkp\"/></solution>", "/s/ping.vkp solution already loaded"},
+        {head + "<solution><import file_name=\"self.vkp\"/></solution>",
+         "/s/self.vkp solution already loaded"},
+        {head + "<solution><import file_name=\"ping.vkp\"/></solution>",
+         "/s/ping.vkp solution already loaded"},
         {head + "<solution><import file_name=\"no.vkp\"/></solution>", "/s/no.vkp does not exist"},
         {head + "<import file_name=\"/no.vkp\"/>", "/s//no.vkp does not exist"},
         // Found from the current directory, but read beside the importing file.
         {head + "<solution><import file_name=\"here.vkp\"/></solution>",
          "here.vkp:0 - couldn't read /s/here.vkp"},
         {head + "<solution><project Name=\"p\" template_name=\"\"/></solution>", "no template for project p"},
-        {head + "<solution><project Name=\"p\" template_name=\"t\"/></solution>", "t project template not found"},
+        {head + "<solution><project Name=\"p\" template_name=\"t\"/></solution>",
+         "t project template not found"},
         {head + "<solution>" + nested(1000, "<folder>", "</folder>") + "</solution>",
          "/s/app.vkp elements are nested too deep"},
         {head + nested(33, "<solution>", "</solution>"), "/s/app.vkp solutions are nested too deep"},
@@ -140,8 +147,9 @@ TEST_F(SolutionLoad, HandlerThatRetriesLetsTheLoadGoOn) {
 TEST_F(SolutionLoad, OlderVersionLosesItsSectionPlacementFile) {
     const std::string system430 = "$(TarnDir)/targets/section_placement.xml";
     const auto project = [&](const std::string& name, const std::string& folder) {
-        return "<project Name=\"" + name + "\"><folder Name=\"" + folder + "\"><file file_name=\"a.c\"/><file path=\"x\" file_name=\"" +
-               system430 + "\"/></folder></project>";
+        return "<project Name=\"" + name + "\"><folder Name=\"" + folder +
+               "\"><file file_name=\"a.c\"/><file path=\"x\" file_name=\"" + system430 +
+               "\"/></folder></project>";
     };
     const std::string elements = project("p", "System Files") + "<solution>" + project("q", "Startup Code") +
                                  "</solution>" + project("r", "Source");
@@ -164,13 +172,16 @@ TEST_F(SolutionLoad, OlderVersionLosesItsSectionPlacementFile) {
 
 TEST_F(SolutionLoad, DynamicFolderHoldsTheMatchingFilesOnce) {
     macroSystem.setSystemMacro("Shared", "/shared");
-    for (const char* name : {"/s/src/b.c", "/s/src/A.C", "/s/src/a.h", "/s/src/.h.c", "/s/src/sub/z.c", "/shared/x.c"})
+    for (const char* name :
+         {"/s/src/b.c", "/s/src/A.C", "/s/src/a.h", "/s/src/.h.c", "/s/src/sub/z.c", "/shared/x.c"})
         memory.write(name, "");
-    ProjectElement* root = load("<project Name=\"p\">"
-                                "<folder Name=\"1\" path=\"src\" filter=\"*.c;*.s43\"><file file_name=\"src/b.c\"/></folder>"
-                                "<folder Name=\"2\" path=\"src\" filter=\"*.h ?.c\"/>"
-                                "<folder Name=\"3\" path=\"$(Shared)\"/>"
-                                "<folder Name=\"4\" path=\"missing\"/></project>");
+    ProjectElement* root =
+        load("<project Name=\"p\">"
+             "<folder Name=\"1\" path=\"src\" filter=\"*.c;*.s43\"><file file_name=\"src/b.c\"/></folder>"
+             "<folder Name=\"2\" path=\"src\" filter=\"*.h ?.c\"/>"
+             "<folder Name=\"3\" path=\"$(Shared)\"/>"
+             "<folder Name=\"4\" path=\"missing\"/></project>"
+             "<folder Name=\"loose\" path=\"src\" filter=\"*.h\"/>");
     EXPECT_EQ(dump(root), "solution Name=\"app\" version=\"2\"\n"
                           "  project Name=\"p\"\n"
                           "    folder Name=\"1\" filter=\"*.c;*.s43\" path=\"src\"\n"
@@ -182,7 +193,9 @@ TEST_F(SolutionLoad, DynamicFolderHoldsTheMatchingFilesOnce) {
                           "      file file_name=\"src/b.c\"\n"
                           "    folder Name=\"3\" path=\"$(Shared)\"\n"
                           "      file file_name=\"$(Shared)/x.c\"\n"
-                          "    folder Name=\"4\" path=\"missing\"\n");
+                          "    folder Name=\"4\" path=\"missing\"\n"
+                          "  folder Name=\"loose\" filter=\"*.h\" path=\"src\"\n"
+                          "    file file_name=\"src/a.h\"\n");
     EXPECT_FALSE(root->modified());
 }
 
@@ -199,17 +212,18 @@ TEST_F(SolutionLoad, TreeMadeByHandLooksLikeALoadedOne) {
     system.setProperty(project, "p", "Debug", "1", false);
     system.setProperty(project, "p", "Debug", "2", false);
     system.loadedSolution();
-    EXPECT_EQ(dump(root), "solution Name=\"new\" version=\"2\"\n"
-                          "  project Name=\"p\"\n"
-                          "    configuration Name=\"Common\" project_directory=\"../other\" project_type=\"Library\"\n"
-                          "    folder Name=\"Source\"\n"
-                          "      configuration Name=\"Common\" filter=\"c;s43\"\n"
-                          "      file file_name=\"main.C\"\n"
-                          "    folder Name=\"Headers\" filter=\"h,H\"\n"
-                          "      file file_name=\"x.h\"\n"
-                          "    file file_name=\"y.txt\"\n"
-                          "    file file_name=\"noextension\"\n"
-                          "    configuration Name=\"Debug\" p=\"2\"\n");
+    EXPECT_EQ(dump(root),
+              "solution Name=\"new\" version=\"2\"\n"
+              "  project Name=\"p\"\n"
+              "    configuration Name=\"Common\" project_directory=\"../other\" project_type=\"Library\"\n"
+              "    folder Name=\"Source\"\n"
+              "      configuration Name=\"Common\" filter=\"c;s43\"\n"
+              "      file file_name=\"main.C\"\n"
+              "    folder Name=\"Headers\" filter=\"h,H\"\n"
+              "      file file_name=\"x.h\"\n"
+              "    file file_name=\"y.txt\"\n"
+              "    file file_name=\"noextension\"\n"
+              "    configuration Name=\"Debug\" p=\"2\"\n");
     EXPECT_FALSE(root->modified());
     EXPECT_EQ(system.projectNames(), QStringList("p"));
 }
