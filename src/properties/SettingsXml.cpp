@@ -37,13 +37,20 @@ constexpr std::array<Entity, 6> entities = {{{u'&', "&amp;"},
 /// No character of any text, though XML can hold it.
 constexpr QChar valueMark = u'\xFDD0';
 
+/// Whether a file can hold the character, whether as it is or as a reference.
+bool isXmlCharacter(uint c) {
+    return c >= 0x20 ? c != 0xFFFE && c != 0xFFFF : c == '\t' || c == '\n' || c == '\r';
+}
+
 /// Turns the bytes of a file into text for the DOM.
 class Preparation {
 public:
     explicit Preparation(std::string_view bytes) : m_rest(bytes) { m_text.reserve(std::ssize(bytes)); }
 
-    /// False if the file breaks a bound or ends within a tag.
+    /// False if the file breaks a bound, ends within a tag or holds what XML can't.
     bool run() {
+        if (!std::all_of(m_rest.begin(), m_rest.end(), [](uchar c) { return isXmlCharacter(c); }))
+            return false;
         while (!m_rest.empty()) {
             if (m_rest.front() != '<')
                 text();
@@ -183,11 +190,6 @@ QDomElement elementBehind(const QDomElement& element) {
             return next;
     }
     return {};
-}
-
-/// Whether a file can hold the character, whether as it is or as a reference.
-bool isXmlCharacter(uint c) {
-    return c >= 0x20 ? c != 0xFFFE && c != 0xFFFF : c == '\t' || c == '\n' || c == '\r';
 }
 
 /// Whether a key comes back as it is when it stands unescaped between double quotes.

@@ -103,6 +103,7 @@ TEST(SettingsXml, DamagedAndHostileFilesAreRefused) {
         "<settings>",
         "<settings><setting name=\"a&b\">x</setting></settings>",
         "<settings><setting name=\"a\">\x01</setting></settings>",
+        QByteArray("<s><setting name=\"a\"><b \0c=\"\"/></setting></s>", 45),
         "<settings><setting name=\"a\">&other;</setting></settings>",
         "<!DOCTYPE s [<!ENTITY a \"x\"><!ENTITY b \"&a;&a;&a;&a;\">]><s><setting "
         "name=\"k\">&b;</setting></s>",
