@@ -120,7 +120,12 @@ SOBFExprValue combine(int op, SOBFExprValue left, SOBFExprValue right) {
     return left;
 }
 
-std::string inParentheses(std::string text) { return text.append(1, ')').insert(0, 1, '('); }
+std::string enclose(char before, const std::string& text, char behind) {
+    std::string result(1, before);
+    result += text;
+    result += behind;
+    return result;
+}
 
 template<class T>
 const T* as(const SOBFExpr* expr) {
@@ -236,16 +241,16 @@ SOBFExprValue SOBFBinaryExpr::evaluate() const {
 std::string SOBFBinaryExpr::operand(const SOBFExpr* side, int leastRank) {
     const auto* binary = as<SOBFBinaryExpr>(side);
     const bool loose = binary && operatorOf(binary->op).rank < leastRank;
-    return loose ? inParentheses(side->printString()) : side->printString();
+    return loose ? enclose('(', side->printString(), ')') : side->printString();
 }
 
 std::string SOBFBinaryExpr::printString() const {
     if (op == TAG_PAIR)
-        return "[" + right->printString() + ", " + left->printString() + "]";
+        return enclose('[', right->printString() + ", " + left->printString(), ']');
     const Operator& row = operatorOf(op);
     if (op == TAG_WORD_ADDRESS) {
         const bool plain = as<SOBFSymbolExpr>(left) || as<SOBFConstExpr>(left);
-        return row.text + (plain ? left->printString() : inParentheses(left->printString()));
+        return row.text + (plain ? left->printString() : enclose('(', left->printString(), ')'));
     }
     return operand(left, row.rank) + row.text + operand(right, row.rank + 1);
 }

@@ -169,18 +169,18 @@ void SOBFSection::dump(int /*base*/, uint8_t* image) {
     });
 }
 
-const uint8_t* SOBFSection::image(SOBFModule& module) {
+const uint8_t* SOBFSection::image(SOBFModule& owner) {
     if (m_image)
         return m_image;
     if (m_imaging || copyDepth >= mostCopies)
         return nullptr;
     const int size = getSize();
     constexpr size_t mostBytes = size_t{16} * SOBFModule::addressSpace;
-    if (size <= 0 || size > SOBFModule::addressSpace || module.imageBytes + static_cast<size_t>(size) > mostBytes)
+    if (size <= 0 || size > SOBFModule::addressSpace || owner.imageBytes + static_cast<size_t>(size) > mostBytes)
         return nullptr;
-    module.imageBytes += static_cast<size_t>(size);
+    owner.imageBytes += static_cast<size_t>(size);
     const Working working(m_imaging);
-    auto* bytes = static_cast<uint8_t*>(module.pool->allocate(static_cast<size_t>(size)));
+    auto* bytes = static_cast<uint8_t*>(owner.pool->allocate(static_cast<size_t>(size)));
     std::memset(bytes, 0, static_cast<size_t>(size));
     dump(lowest, bytes);
     m_image = bytes;
