@@ -10,14 +10,15 @@
 
 namespace {
 
-/// The words as a text that must give them again.
+/// The words as a text that must give them again. A "\" at a word's end stays outside the quotes, for in
+/// front of the closing one it would turn that into a character.
 QString quoted(const QStringList& words) {
     QString text;
-    for (QString word : words) {
-        // Behind a "\" a quote that ends the word would be taken for a character.
-        const bool isPlain = word.endsWith(u'\\');
-        word.replace("\"", "\\\"").replace(" ", "\" \"");
-        text += isPlain ? word + " " : "\"" + word + "\" ";
+    for (const QString& word : words) {
+        qsizetype end = word.size();
+        while (end > 0 && word[end - 1] == u'\\')
+            --end;
+        text += "\"" + word.left(end).replace("\"", "\\\"") + "\"" + word.mid(end) + " ";
     }
     return text;
 }
@@ -27,8 +28,8 @@ QString quoted(const QStringList& words) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QString input = toText({reinterpret_cast<const char*>(data), size});
     MemoryFiles memory;
-    memory.write("/work/a", "one");
-    memory.write("/work/sub/b", "two");
+    memory.write("/project/a", "one");
+    memory.write("/project/sub/b", "two");
     const FilesInPlace inPlace(&memory);
     for (const QString& line : input.split(u'\n')) {
         const QStringList words = dequotify(line);
@@ -36,11 +37,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             std::abort();
         QStringList command = words;
         QString errorText;
-        const bool isBuiltin = BuiltinCommands::builtinCommand("/work", command, errorText, nullptr);
+        const bool isBuiltin = BuiltinCommands::builtinCommand("/project", command, errorText, nullptr);
         if ((!isBuiltin && !errorText.isEmpty()) || command.size() != words.size())
             std::abort();
         QString out;
-        BuiltinCommands::getExportableBuiltinCommand("/work", words, out);
+        BuiltinCommands::getExportableBuiltinCommand("/project", words, out);
     }
     return 0;
 }

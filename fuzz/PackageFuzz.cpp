@@ -7,7 +7,7 @@
 #include "foundation/Text.h"
 #include "support/MemoryFiles.h"
 
-#include <QtLogging>
+#include <QtGlobal>
 #include <cstdint>
 #include <cstdlib>
 #include <string>

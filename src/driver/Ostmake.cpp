@@ -1,5 +1,6 @@
 #include "driver/Ostmake.h"
 
+#include "driver/ChosenElement.h"
 #include "driver/OstmakeArgParse.h"
 #include "driver/ProcessExit.h"
 #include "driver/Report.h"
@@ -9,6 +10,9 @@
 #include "macros/MacroSystem.h"
 #include "macros/QTx.h"
 #include "macros/SystemMacros.h"
+#include "project/MSP430ProjectSystem.h"
+#include "project/SolutionLoadError.h"
+#include "properties/EnvironmentSettings.h"
 
 #include <iostream>
 
@@ -33,9 +37,21 @@ void checkOptions(const OstmakeArgParse& options) {
         refuse("-project must be specified with -type.");
 }
 
+/// What the lower layers warn of, line by line.
+void printWarning(QtMsgType, const QMessageLogContext&, const QString& text) { std::cerr << text << '\n'; }
+
+/// Sets the macros that file names and settings are expanded with. Those of -D are set already, and stay.
+void setSystemMacros(const OstmakeArgParse& options) {
+    macroSystem.setSystemMacro("Platform", "msp430");
+    setupDefaultSystemMacros(options.tarnDir);
+    PackageSystem::setupPackageMacros(options.packagesDir);
+}
+
+/// The process-wide objects stay until the process ends; only a run that comes to its end saves the settings.
 int run(int argc, char** argv) {
-    Report ostmakeReport(argv[0], std::cerr);
-    report = &ostmakeReport;
+    environment = new EnvironmentSettings;
+    environment->createEntries();
+    report = new Report(argv[0], std::cerr);
     OstmakeArgParse options;
     if (argc < 2) {
         printBannerAndUsage();
@@ -44,20 +60,23 @@ int run(int argc, char** argv) {
     options.tarnDir = QTx::rootDirectory();
     options.packagesDir = "$(TarnUserDir)/packages";
     options.parse(argc - 1, argv + 1);
-    if (ostmakeReport.errors() != 0)
+    if (report->errors() != 0)
         return 1;
     checkOptions(options);
 
-    macroSystem.setSystemMacro("Platform", "msp430");
-    setupDefaultSystemMacros(options.tarnDir);
-    PackageSystem::setupPackageMacros(options.packagesDir);
+    projectSystem = new MSP430ProjectSystem;
+    setSystemMacros(options);
+    ProjectElement* element = chosenElement(options);
+    requireConfiguration(element, options);
 
-    refuse("this release reads no solutions yet.");
+    std::cerr << "error: this release loads solutions and can't build them yet\n";
+    return 1;
 }
 
 } // namespace
 
 int ostmake(int argc, char** argv) {
+    qInstallMessageHandler(printWarning);
     QTx::setApplicationPath(toText(argv[0]), 1);
     try {
         return run(argc, argv);
@@ -65,6 +84,11 @@ int ostmake(int argc, char** argv) {
         return exit.status;
     } catch (const HException& failure) {
         std::cerr << "error: " << failure.text() << '\n';
+    } catch (const SolutionLoadError& error) {
+        if (error.badXml)
+            std::cerr << "load error: bad XML file - " << error.message << '\n';
+        else
+            std::cerr << "load error: " << error.file << error.message << '\n';
     } catch (...) {
         std::cerr << "Internal error detected\n";
     }

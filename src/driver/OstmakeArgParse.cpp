@@ -3,8 +3,7 @@
 #include "driver/ProcessExit.h"
 #include "driver/Usage.h"
 #include "macros/MacroSystem.h"
-
-QString templatesFile("$(TargetsDir)/project_templates.xml");
+#include "project/ProjectTemplates.h"
 
 OstmakeArgParse::OstmakeArgParse() {
     addSwitch("-batch", batch);

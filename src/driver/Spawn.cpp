@@ -73,7 +73,11 @@ public:
         }
     }
 
-    QStringList lines() const { return linesOf(viewOf(m_bytes).substr(0, static_cast<size_t>(m_size))); }
+    /// The lines of all that was taken, which is forgotten: there may be much of it.
+    QStringList takeLines() {
+        const QByteArray bytes = std::exchange(m_bytes, {});
+        return linesOf(viewOf(bytes).substr(0, static_cast<size_t>(std::exchange(m_size, 0))));
+    }
 
 private:
     ssize_t read(qsizetype most) {
@@ -270,8 +274,8 @@ int QTx::spawnProcess(const QStringList& words, bool wait, const QString& direct
     if (isCaptured || wait)
         process.listen(wait);
     if (isCaptured) {
-        *outLines = out.lines();
-        *errLines = err.lines();
+        *outLines = out.takeLines();
+        *errLines = err.takeLines();
     }
     result = wait ? process.wait() : process.waitBriefly();
     return tellError();

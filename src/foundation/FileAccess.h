@@ -53,7 +53,8 @@ public:
     /// The names in a directory, without "." and "..", in no order; empty if it can't be read.
     virtual QList<QString> list(const QString& directory) = 0;
     /// Puts `contents` in the place of the file, or makes it: a crash or a full disk leaves the old file or
-    /// the new one, whole. The permissions of an old file stay, and a link to it stays a link.
+    /// the new one, whole. The permissions of an old file stay, and a link to it stays a link. A file that
+    /// holds just these contents already only gets a new time.
     virtual int replace(const QString& path, std::string_view contents) = 0;
     virtual int remove(const QString& path) = 0;
     /// Copies a file's contents, times and permissions (less the process's umask) to `to`, in whole or not at

@@ -106,6 +106,14 @@ public:
     int makeDirectory(const QString& path) override {
         return ::mkdir(toBytes(path).constData(), 0777) == 0 ? 0 : errno;
     }
+
+private:
+    /// Whether the file has just these contents.
+    bool holds(const QString& path, std::string_view contents) {
+        const FileStatus now = status(path);
+        return now.kind == FileStatus::File && static_cast<size_t>(now.size) == contents.size() &&
+               read(path, SIZE_MAX).view() == contents;
+    }
 };
 
 FileBytes HostFiles::read(const QString& path, size_t most) {

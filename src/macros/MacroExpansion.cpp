@@ -31,6 +31,7 @@ public:
     bool again = false;
 
 private:
+    qsizetype nextReference(qsizetype from) const;
     qsizetype closingOf(qsizetype open);
     void matchAll();
     void expandReference(qsizetype start, qsizetype close);
@@ -46,7 +47,7 @@ bool Pass::run() {
     result.reserve(m_text.size());
     qsizetype at = 0;
     for (;;) {
-        const qsizetype start = m_text.indexOf(opening, at);
+        const qsizetype start = nextReference(at);
         result += piece(at, start < 0 ? m_text.size() : start);
         if (start < 0)
             return result.size() <= m_budget;
@@ -62,6 +63,14 @@ bool Pass::run() {
         if (result.size() > m_budget)
             return false;
     }
+}
+
+/// Where the next "$(" begins, or -1. A search for the "$" alone is several times as fast as one for both.
+qsizetype Pass::nextReference(qsizetype from) const {
+    qsizetype at = m_text.indexOf(u'$', from);
+    while (at >= 0 && (at + 1 == m_text.size() || m_text[at + 1] != u'('))
+        at = m_text.indexOf(u'$', at + 1);
+    return at;
 }
 
 /// The ")" that ends what the "(" at `open` begins, or -1. The first that is missing costs a look at the

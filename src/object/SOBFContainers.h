@@ -40,9 +40,9 @@ using PoolVector = std::vector<T, PoolAllocator<T>>;
 template<class T>
 using PoolList = std::list<T, PoolAllocator<T>>;
 
-/// A map from names in the order of their first entry. That order is the one in which a file states the names,
-/// so what is written from the map and read again comes in the same order. Equal texts have equal pointers, so
-/// the pointer is the key; but nothing is ever ordered by it, for it differs from run to run.
+/// A map from names in the order of their first entry. That order is the one in which a file states the
+/// names, so what is written from the map and read again comes in the same order. Equal texts have equal
+/// pointers, so the pointer is the key; but nothing is ever ordered by it, for it differs from run to run.
 template<class Value>
 class SOBFNameMap {
 public:

@@ -12,8 +12,8 @@
 
 namespace {
 
-/// A symbol may be defined by a long chain of others, or by two that are defined by two more each and so on: the
-/// walk recurses, and may take exponential time. Neither goes on for ever.
+/// A symbol may be defined by a long chain of others, or by two that are defined by two more each and so on:
+/// the walk recurses, and may take exponential time. Neither goes on for ever.
 class Step {
 public:
     Step() {
@@ -59,8 +59,10 @@ constexpr int closest = 11;
 
 const Operator operators[] = {
     {TAG_ADD, " + ", 9, SectionRule::Add, [](int64_t l, int64_t r) { return wrap(bits(l) + bits(r)); }},
-    {TAG_SUBTRACT, " - ", 9, SectionRule::Subtract, [](int64_t l, int64_t r) { return wrap(bits(l) - bits(r)); }},
-    {TAG_MULTIPLY, " * ", 10, SectionRule::Multiply, [](int64_t l, int64_t r) { return wrap(bits(l) * bits(r)); }},
+    {TAG_SUBTRACT, " - ", 9, SectionRule::Subtract,
+     [](int64_t l, int64_t r) { return wrap(bits(l) - bits(r)); }},
+    {TAG_MULTIPLY, " * ", 10, SectionRule::Multiply,
+     [](int64_t l, int64_t r) { return wrap(bits(l) * bits(r)); }},
     {TAG_DIVIDE, " / ", 10, SectionRule::Clear, quotient},
     {TAG_MODULUS, " % ", 10, SectionRule::Clear, remainder},
     {TAG_AND, " & ", 5, SectionRule::Clear, [](int64_t l, int64_t r) { return l & r; }},
@@ -98,11 +100,16 @@ const Operator& operatorOf(int tag) {
 
 SOBFSection* sectionOf(SectionRule rule, SOBFSection* left, SOBFSection* right) {
     switch (rule) {
-    case SectionRule::Add: return left ? left : right;
-    case SectionRule::Subtract: return left && right ? nullptr : left ? left : right;
-    case SectionRule::Multiply: return right ? nullptr : left;
-    case SectionRule::Left: return left;
-    case SectionRule::Clear: break;
+    case SectionRule::Add:
+        return left ? left : right;
+    case SectionRule::Subtract:
+        return left && right ? nullptr : left ? left : right;
+    case SectionRule::Multiply:
+        return right ? nullptr : left;
+    case SectionRule::Left:
+        return left;
+    case SectionRule::Clear:
+        break;
     }
     return nullptr;
 }

@@ -27,8 +27,8 @@ struct SOBFExprValue {
 /// shared.
 class SOBFExpr : public SOBFObject {
 public:
-    /// Bounds that the reader keeps, far above what a compiler writes. All walks over expressions recurse, and
-    /// what is written must fit the operand stack of whoever reads it.
+    /// Bounds that the reader keeps, far above what a compiler writes. All walks over expressions recurse,
+    /// and what is written must fit the operand stack of whoever reads it.
     static constexpr unsigned mostDepth = 500;
     static constexpr unsigned mostSlots = 80;
 

@@ -79,6 +79,6 @@ void SOBFInsn::encodeWord(int64_t value, int count, bool bigEndian) {
         return;
     for (int byte = 0; byte < count; ++byte) {
         const int place = bigEndian ? count - 1 - byte : byte;
-        appendByte(place < 8 ? static_cast<uint8_t>(value >> (8 * place)) : 0);
+        appendByte(static_cast<uint8_t>(place < 8 ? value >> (8 * place) : 0));
     }
 }

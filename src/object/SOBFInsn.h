@@ -28,8 +28,8 @@ public:
     /// The byte at an offset within `length()`; 0 where nothing was encoded.
     virtual uint8_t getByte(int offset);
     virtual void setPC(long address) { pc = static_cast<int>(address); }
-    /// Replaces the record at `position` by an equivalent that reaches further, if it has to. `position` is then
-    /// behind the last record added. Returns whether anything changed. Throws HException.
+    /// Replaces the record at `position` by an equivalent that reaches further, if it has to. `position` is
+    /// then behind the last record added. Returns whether anything changed. Throws HException.
     virtual bool recode(SOBFInsnList& /*list*/, SOBFInsnList::iterator& /*position*/) { return false; }
     /// Fills `bytes` from what the operands evaluate to.
     virtual void encode() {}

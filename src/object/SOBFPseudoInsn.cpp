@@ -31,7 +31,6 @@ void SOBFMarker::externalize(SOBFWriter& writer) {
 void SOBFFilename::externalize(SOBFWriter& writer) {
     if (!writer.begin(this))
         return;
-    externalizeCommon(writer);
     writer.externalizeString(path);
     writer.writeTag(TAG_MKFILENAME);
     writer.defineAlias(this);
@@ -40,7 +39,10 @@ void SOBFFilename::externalize(SOBFWriter& writer) {
 void SOBFLocus::externalize(SOBFWriter& writer) {
     if (!file || !file->path)
         return;
-    externalizeCommon(writer);
+    // The line of a symbol is no record. It may come between an instruction's stack adjustment and the
+    // instruction itself, and must not touch the one or the other.
+    if (locusKind == TAG_LOCUS)
+        externalizeCommon(writer);
     file->externalize(writer);
     writer.pushAlias(file);
     writer.externalizeLiteral(line);
@@ -97,7 +99,8 @@ void SOBFDefAddrInsn::externalize(SOBFWriter& writer) {
     externalizeCommon(writer);
     operand1->externalize(writer);
     writer.writeTag(TAG_DEFADDR);
-    writer.externalizeString({reinterpret_cast<const char*>(bytes), size_t{SOBFModule::processorAddressSize()}});
+    writer.externalizeString(
+        {reinterpret_cast<const char*>(bytes), size_t{SOBFModule::processorAddressSize()}});
     writer.writeTag(TAG_SETBYTES);
 }
 
@@ -194,7 +197,9 @@ void SOBFLocalInsn::externalize(SOBFWriter& writer) {
 
 SOBFSection* SOBFInitInsn::target() {
     if (!section)
-        section = findSection ? findSection(sectionName) : module ? module->sectionsByName.value(sectionName) : nullptr;
+        section = findSection ? findSection(sectionName)
+                  : module    ? module->sectionsByName.value(sectionName)
+                              : nullptr;
     return section;
 }
 

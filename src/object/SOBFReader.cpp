@@ -13,8 +13,8 @@
 
 namespace {
 
-// A file as the writer makes it holds every text and every operand once. Other writers may share them, but not
-// without end.
+// A file as the writer makes it holds every text and every operand once. Other writers may share them, but
+// not without end.
 constexpr size_t sharing = 8;
 constexpr size_t usualBudget = 65536;
 
@@ -98,21 +98,19 @@ void SOBFReader::traceTag(std::ostream& trace, uint8_t tag) const {
         return;
     }
     trace << SOBFTagTable::rows[tag].name;
-    const Slot* top = m_depth > 0 ? &m_stack[m_depth - 1] : nullptr;
     if (tag < TAG_LITX)
         trace << ' ' << int{tag};
-    else if ((tag == TAG_SETPC || tag == TAG_ADJUST_STACK) && top && top->isNumber)
-        trace << ' ' << static_cast<int>(top->number);
+    else if ((tag == TAG_SETPC || tag == TAG_ADJUST_STACK) && m_depth > 0)
+        if (const int64_t* number = numberIn(m_stack[m_depth - 1]))
+            trace << ' ' << static_cast<int>(*number);
 }
 
 void SOBFReader::traceStack(std::ostream& trace) const {
     trace << '\t';
     for (const Slot* slot = m_stack; slot != m_stack + m_depth; ++slot) {
         const SOBFObject* object = slot->object;
-        if (slot->isNumber)
-            trace << "n:" << slot->number << ' ';
-        else if (const auto* constant = dynamic_cast<const SOBFConstExpr*>(object))
-            trace << "n:" << constant->value << ' ';
+        if (const int64_t* number = numberIn(*slot))
+            trace << "n:" << *number << ' ';
         else if (const auto* string = dynamic_cast<const SOBFString*>(object))
             trace << "str:" << string->text->view() << ' ';
         else if (dynamic_cast<const SOBFSymbol*>(object))
@@ -153,14 +151,19 @@ SOBFObject* SOBFReader::materialize(Slot& slot) {
     return slot.object;
 }
 
+/// The number in a slot, in the one form or the other; null if there is none.
+const int64_t* SOBFReader::numberIn(const Slot& slot) {
+    if (slot.isNumber)
+        return &slot.number;
+    const auto* constant = dynamic_cast<const SOBFConstExpr*>(slot.object);
+    return constant ? &constant->value : nullptr;
+}
+
 SOBFObject* SOBFReader::popObject() { return materialize(popSlot()); }
 
 int64_t SOBFReader::popConst() {
-    const Slot& slot = popSlot();
-    if (slot.isNumber)
-        return slot.number;
-    if (const auto* constant = dynamic_cast<const SOBFConstExpr*>(slot.object))
-        return constant->value;
+    if (const int64_t* number = numberIn(popSlot()))
+        return *number;
     failOperand("(constant expression expected)");
 }
 
@@ -179,11 +182,17 @@ T* SOBFReader::popAs(const char* failure) {
     return object;
 }
 
-SOBFExpr* SOBFReader::popExpr(bool nullAllowed) {
+/// An operand that becomes part of another, and is counted with that.
+SOBFExpr* SOBFReader::popPart(bool nullAllowed) {
     SOBFObject* object = popObject();
     auto* expr = dynamic_cast<SOBFExpr*>(object);
     if (!expr && (object || !nullAllowed))
         failOperand("(expression expected)");
+    return expr;
+}
+
+SOBFExpr* SOBFReader::popExpr(bool nullAllowed) {
+    SOBFExpr* expr = popPart(nullAllowed);
     // Every walk over an operand takes as long as the operand is, and one that is made of itself is long.
     if (expr && expr->nodes > 1)
         spend(m_nodeBudget, expr->nodes, "bad object file: expressions too large");
@@ -220,12 +229,16 @@ SOBFObject* SOBFReader::popAny() {
 
 SOBFFilename* SOBFReader::popFilename() { return popAs<SOBFFilename>("(file expected)"); }
 
+SOBFPtrType* SOBFReader::popPtr() { return popAs<SOBFPtrType>("(pointer expected)"); }
+
 SOBFStrucType* SOBFReader::popStruc() { return popAs<SOBFStrucType>("(structure expected)"); }
 
-SOBFFunctionType* SOBFReader::popFunctionType() { return popAs<SOBFFunctionType>("(function type expected)"); }
+SOBFFunctionType* SOBFReader::popFunctionType() {
+    return popAs<SOBFFunctionType>("(function type expected)");
+}
 
-/// The index of an alias or a marker. What it counts was made by tags of this file, so that there are no more of
-/// them than bytes.
+/// The index of an alias or a marker. What it counts was made by tags of this file, so that there are no more
+/// of them than bytes.
 uint32_t SOBFReader::popIndex() {
     const auto most = static_cast<size_t>(m_end - m_start);
     return popConst(0, static_cast<uint32_t>(std::min<size_t>(most, UINT32_MAX)));

@@ -21,17 +21,17 @@ class SOBFStrucType;
 class SOBFSymbol;
 class SOBFType;
 
-/// Runs an object file. The file is a program of one-byte tags for a small stack machine; what it leaves behind
-/// is a module. Serves one run.
+/// Runs an object file. The file is a program of one-byte tags for a small stack machine; what it leaves
+/// behind is a module. Serves one run.
 ///
 ///     length of the string pool (a literal), 0x26, that many raw bytes, and tags up to the end of the file
 ///
-/// A literal below 8 is the byte itself, any other 0x08, a count, and as many bytes, most significant first. A
-/// text is a place in the string pool. Tags that describe the module come first, up to 0x66: a quick read
+/// A literal below 8 is the byte itself, any other 0x08, a count, and as many bytes, most significant first.
+/// A text is a place in the string pool. Tags that describe the module come first, up to 0x66: a quick read
 /// stops there.
 ///
-/// Whatever stands in a file, a run ends with a module or an HException, in time and memory bounded by the size
-/// of the file.
+/// Whatever stands in a file, a run ends with a module or an HException, in time and memory bounded by the
+/// size of the file.
 class SOBFReader {
 public:
     /// Borrows the contents of `stream`, which must outlive the run. With `stickyLocus` a source line holds
@@ -41,8 +41,8 @@ public:
     SOBFReader(const SOBFReader&) = delete;
     SOBFReader& operator=(const SOBFReader&) = delete;
 
-    /// The module, null if the file makes none. The caller gives it up with `release`. With `trace`, every tag
-    /// and the stack behind it are written there. Throws HException.
+    /// The module, null if the file makes none. The caller gives it up with `release`. With `trace`, every
+    /// tag and the stack behind it are written there. Throws HException.
     SOBFModule* readFile(std::ostream* trace = nullptr) { return run(false, trace); }
     /// The same for what describes the module only.
     SOBFModule* readFileQuickly(std::ostream* trace = nullptr) { return run(true, trace); }
@@ -91,13 +91,15 @@ private:
     void pushNumber(int64_t value);
     int popInt() { return static_cast<int>(popConst()); }
     static SOBFObject* materialize(Slot& slot);
+    static const int64_t* numberIn(const Slot& slot);
+    SOBFExpr* popPart(bool nullAllowed);
     template<class T>
     T* popAs(const char* failure);
     SOBFObject* popAny();
     SOBFFilename* popFilename();
+    SOBFPtrType* popPtr();
     SOBFStrucType* popStruc();
     SOBFFunctionType* popFunctionType();
-    SOBFExpr* popOperand();
     HString* popText() { return popString()->text; }
 
     uint32_t popIndex();
@@ -209,8 +211,8 @@ private:
     std::vector<SOBFObject*> m_aliases;
     std::vector<SOBFMarker*> m_markers;
 
-    /// What a file may yet make out of its bytes. Texts, bytes and operands that are used again and again would
-    /// otherwise grow without bound.
+    /// What a file may yet make out of its bytes. Texts, bytes and operands that are used again and again
+    /// would otherwise grow without bound.
     size_t m_textBudget;
     size_t m_nodeBudget;
 };

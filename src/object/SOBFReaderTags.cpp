@@ -35,8 +35,8 @@ void SOBFReader::runDup(uint8_t) {
 void SOBFReader::runDrop(uint8_t) { popSlot(); }
 
 void SOBFReader::runBinary(uint8_t tag) {
-    SOBFExpr* right = popExpr(false);
-    SOBFExpr* left = popExpr(false);
+    SOBFExpr* right = popPart(false);
+    SOBFExpr* left = popPart(false);
     SOBFExpr* expr = SOBFBinaryExpr::make(tag, left, right);
     if (expr->depth > SOBFExpr::mostDepth || expr->slots > SOBFExpr::mostSlots)
         throw HException("bad object file: expressions nested too deep");
@@ -344,7 +344,7 @@ void SOBFReader::runForwardType(uint8_t) { pushType(new SOBFPtrType(popInt())); 
 
 void SOBFReader::runPtr(uint8_t) {
     SOBFType* target = popType();
-    m_ptr = popAs<SOBFPtrType>("(pointer expected)");
+    m_ptr = popPtr();
     m_ptr->target = target;
 }
 

@@ -34,24 +34,24 @@ private:
 
 int clamp(int64_t value) { return static_cast<int>(std::clamp<int64_t>(value, INT_MIN, INT_MAX)); }
 
-/// Writes records so that the reader finds each of them at its own address. The machine keeps an address until
-/// it gets another, and makes a break out of the first one that a fragment gets.
+/// Writes records so that the reader finds each of them at its own address. The machine keeps an address
+/// until it gets another, and makes a break out of the first one that a fragment gets.
 void externalizeRecord(SOBFInsn* insn, SOBFWriter& writer) {
     if (dynamic_cast<SOBFResetLocusInsn*>(insn))
         return insn->externalize(writer);
     const bool isBreak = dynamic_cast<SOBFBreakInsn*>(insn);
     if (isBreak && !writer.afterBreak)
         return;
-    if (writer.afterBreak && (isBreak ? insn->pc == -1 : insn->pc != -1 || writer.pc != -1)) {
-        writer.externalizeLiteral(insn->pc);
-        writer.writeTag(TAG_SETPC);
-        writer.pc = insn->pc;
-        writer.afterBreak = false;
+    if (!isBreak && writer.afterBreak && (insn->pc != -1 || writer.pc != -1)) {
+        SOBFBreakInsn start;
+        start.setPC(insn->pc);
+        externalizeRecord(&start, writer);
     }
-    if (insn->pc == -1 && writer.pc != -1) {
+    if (insn->pc == -1 && (isBreak || writer.pc != -1)) {
         writer.externalizeLiteral(-1);
         writer.writeTag(TAG_SETPC);
         writer.pc = -1;
+        writer.afterBreak = false;
     }
     insn->externalize(writer);
 }
@@ -176,7 +176,8 @@ const uint8_t* SOBFSection::image(SOBFModule& owner) {
         return nullptr;
     const int size = getSize();
     constexpr size_t mostBytes = size_t{16} * SOBFModule::addressSpace;
-    if (size <= 0 || size > SOBFModule::addressSpace || owner.imageBytes + static_cast<size_t>(size) > mostBytes)
+    if (size <= 0 || size > SOBFModule::addressSpace ||
+        owner.imageBytes + static_cast<size_t>(size) > mostBytes)
         return nullptr;
     owner.imageBytes += static_cast<size_t>(size);
     const Working working(m_imaging);

@@ -35,12 +35,12 @@ public:
     int getSize();
     /// Bytes of all records together.
     int accumulatedSize();
-    /// Stores every byte that has an address at `image[address - lowest]`. `image` must hold `getSize()` bytes;
-    /// a section that is larger than the address space stores nothing.
+    /// Stores every byte that has an address at `image[address - lowest]`. `image` must hold `getSize()`
+    /// bytes; a section that is larger than the address space stores nothing.
     void dump(int base, uint8_t* image);
-    /// The bytes as `dump` stores them, `getSize()` of them in the pool of `owner`, made when first asked for.
-    /// Null if the section is empty or larger than the address space, or if the images of the module have taken
-    /// more room than any processor's memory.
+    /// The bytes as `dump` stores them, `getSize()` of them in the pool of `owner`, made when first asked
+    /// for. Null if the section is empty or larger than the address space, or if the images of the module
+    /// have taken more room than any processor's memory.
     const uint8_t* image(SOBFModule& owner);
 
     void externalize(SOBFWriter& writer);

@@ -20,8 +20,8 @@ bool SOBFSymbol::mayCompleteIn(const SOBFWriter& writer) const {
            (!type || writer.mayMake(type));
 }
 
-/// The symbol stays on the stack once for its value and once for its type, which are written behind all that can
-/// be said of the symbol itself.
+/// The symbol stays on the stack once for its value and once for its type, which are written behind all that
+/// can be said of the symbol itself.
 void SOBFSymbol::externalize(SOBFWriter& writer) {
     if (!writer.begin(this))
         return;

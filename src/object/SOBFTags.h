@@ -113,7 +113,8 @@ enum SOBFTag : uint8_t {
 /// What the machine must have met before a tag may run.
 enum class SOBFNeeds : uint8_t { Nothing, Module, Section };
 
-/// One tag: its name in a trace, what it does to the height of the operand stack, and the routine that runs it.
+/// One tag: its name in a trace, what it does to the height of the operand stack, and the routine that runs
+/// it.
 struct SOBFTagRow {
     const char* name = nullptr; ///< null if there is no such tag
     int8_t growth = 0;          ///< entries pushed less entries popped

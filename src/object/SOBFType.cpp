@@ -4,7 +4,8 @@
 #include "object/SOBFSymbol.h"
 #include "object/SOBFWriter.h"
 
-/// A name in the making. Types may refer to themselves, and to others many times over, so the text has an end.
+/// A name in the making. Types may refer to themselves, and to others many times over, so the text has an
+/// end.
 class SOBFTypeName {
 public:
     void append(std::string_view more) {
@@ -130,7 +131,8 @@ void SOBFPtrType::externalizeRest(SOBFWriter& writer) {
     writer.writeTag(representation);
 }
 
-SOBFQualifiedType::SOBFQualifiedType(SOBFType* b, int space) : SOBFType(b->size), base(b), memorySpace(space) {
+SOBFQualifiedType::SOBFQualifiedType(SOBFType* b, int space)
+    : SOBFType(b->size), base(b), memorySpace(space) {
     name = b->getName();
     addParts(b);
 }

@@ -17,8 +17,8 @@ public:
 
     explicit SOBFType(int s) : size(s) {}
 
-    /// The name that was given, else one made up from what the type is made of; cut off with "..." when it grows
-    /// out of bounds.
+    /// The name that was given, else one made up from what the type is made of; cut off with "..." when it
+    /// grows out of bounds.
     HString* getName() const override;
     /// The field of that name; null if there is none, and for a type without fields.
     virtual class SOBFField* findField(HString*) const { return nullptr; }

@@ -11,12 +11,13 @@
 class SOBFMarker;
 class SOBFType;
 
-/// Writes a model as an object file. Holds the two parts of the file while it is written, gives out the numbers
-/// of aliases and markers, and follows how the machine of the reader stands at the end of what was written.
+/// Writes a model as an object file. Holds the two parts of the file while it is written, gives out the
+/// numbers of aliases and markers, and follows how the machine of the reader stands at the end of what was
+/// written.
 ///
-/// The objects are written where they are first needed, so that symbols and types nest. The machine's stack is
-/// small, and a type that is being written cannot be used yet: where the one or the other gets in the way, an
-/// object is made known by its alias only, and the rest of it follows when nothing is open any more.
+/// The objects are written where they are first needed, so that symbols and types nest. The machine's stack
+/// is small, and a type that is being written cannot be used yet: where the one or the other gets in the way,
+/// an object is made known by its alias only, and the rest of it follows when nothing is open any more.
 class SOBFWriter {
 public:
     SOBFWriter();
@@ -64,8 +65,8 @@ public:
         SOBFWriter& m_writer;
     };
 
-    /// The reader names a marker after the last symbol that stands for it. `noteName` is told of each of these
-    /// symbols; `nameOf` is the name to write.
+    /// The reader names a marker after the last symbol that stands for it. `noteName` is told of each of
+    /// these symbols; `nameOf` is the name to write.
     void noteName(SOBFMarker* marker, HString* name);
     HString* nameOf(SOBFMarker* marker) const;
     /// Whether markers were written under names that the reader will not give them.
@@ -73,8 +74,8 @@ public:
     /// Forgets all that was written, but not the names.
     void restart();
 
-    /// The file: one or more string pools, each with the part of the body that uses it. Valid until the writer
-    /// goes.
+    /// The file: one or more string pools, each with the part of the body that uses it. Valid until the
+    /// writer goes.
     const HByteStream& finish();
 
     int stackAdjust = 0;     ///< the one last written

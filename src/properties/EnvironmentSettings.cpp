@@ -49,7 +49,8 @@ void EnvironmentSettings::createEntries() {
             m_classes.emplace_back(group.prefix + name, key.type, page, groupName, name, QString(),
                                    QString::fromLatin1(key.defaultValue));
             m_values.emplace_back(&m_classes.back(), *this);
-            registerProperty(page, &m_values.back());
+            if (!m_bySaveName.contains(m_classes.back().saveName()))
+                registerProperty(page, &m_values.back());
         }
     }
 }

@@ -4,6 +4,7 @@
 #include "properties/PropertyValue.h"
 #include "properties/Settings.h"
 
+#include <QHash>
 #include <deque>
 #include <functional>
 #include <map>
@@ -62,7 +63,7 @@ private:
     std::deque<PropertyClass> m_classes;
     std::deque<EnvironmentPropertyValue> m_values;
     std::map<QString, PropertyValueList> m_pages;
-    QMap<QString, PropertyValue*> m_bySaveName;
+    QHash<QString, PropertyValue*> m_bySaveName;
 };
 
 /// The keys that the builder reads.

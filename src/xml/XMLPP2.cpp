@@ -1,6 +1,5 @@
 #include "xml/XMLPP2.h"
 
-#include "foundation/Text.h"
 #include "macros/MacroSystem.h"
 #include "xml/XMLPP2Walk.h"
 
@@ -37,7 +36,8 @@ void XMLPP2::expandAttributeMacros(XMLElement* element, const MacroScope& macros
     for (XMLAttribute& attribute : element->getAttributeList()) {
         if (!holdsReference(attribute.value))
             continue;
-        const QString value = MacroSystem::replaceMacros2(macros, toText(attribute.value));
+        m_unexpanded = QLatin1String(attribute.value);
+        const QString value = MacroSystem::replaceMacros2(macros, m_unexpanded);
         if (!grow(static_cast<size_t>(value.size())))
             return;
         attribute.value = XMLNode::mkString(value);

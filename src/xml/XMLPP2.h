@@ -50,4 +50,5 @@ private:
     MacroMap m_defines;
     size_t m_growth = 0;
     size_t m_growthLimit = usualGrowthLimit;
+    QString m_unexpanded; ///< one buffer for the texts that go into expansions
 };

@@ -230,17 +230,17 @@ TEST_F(PackageFile, HoldsWhatAnySequenceOfUpdatesLeaves) {
     }
 }
 
-TEST_F(PackageFile, OfAHundredThousandMembersTakesLinearTime) {
+TEST_F(PackageFile, OfManyMembersTakesLinearTime) {
     Archive2 archive;
-    const std::string data(200'000, 'd');
-    for (quint32 i = 0; i < 100'000; ++i)
+    const std::string data(40'000, 'd');
+    for (quint32 i = 0; i < 20'000; ++i)
         archive.addMember("s", data, QByteArray::number(i), 2 * i, 2, 1, 1);
     QByteArray image;
     ASSERT_EQ(archive.write("", image), Archive2::Ok);
     store(image);
     memory.write("/s/a", "one");
-    update("99999", "/s/a", false);
-    EXPECT_EQ(members().size(), 100'000);
+    update("19999", "/s/a", false);
+    EXPECT_EQ(members().size(), 20'000);
     for (int i = 0; i < 1'000; ++i)
-        ASSERT_EQ(update("99999", "/s/a", false).size(), 1);
+        ASSERT_EQ(update("19999", "/s/a", false).size(), 1);
 }

@@ -218,7 +218,9 @@ TEST_F(OstmakeBuilderTest, ASignalEndsTheToolWithAllThatItStartedAndRemovesWhatI
         int signal;
     } rows[] = {
         {"sleep 100 & echo $! >pid; echo half >new.o; kill -TERM $PPID; wait", SIGTERM},
-        {"(sleep 100 & echo $! >pid; wait) & sleep 0.2; echo half >new.o; kill -HUP $PPID; wait", SIGHUP},
+        {"(sleep 100 & echo $! >pid; wait) & until [ -s pid ]; do sleep 0.05; done; echo half >new.o; kill "
+         "-HUP $PPID; wait",
+         SIGHUP},
         {"trap 'exit 0' INT; echo $$ >pid; echo half >new.o; kill -INT $PPID; while :; do sleep 0.05; done",
          SIGINT},
         {"trap '' QUIT; echo $$ >pid; echo half >new.o; kill -QUIT $PPID; while :; do sleep 0.1; done",
@@ -226,6 +228,7 @@ TEST_F(OstmakeBuilderTest, ASignalEndsTheToolWithAllThatItStartedAndRemovesWhatI
         {"echo $$ >pid; echo half >new.o; kill -TERM $PPID; exit 0", SIGTERM},
     };
     for (const auto& row : rows) {
+        tool.write("pid", "");
         EXPECT_EXIT(runInterrupted(row.script), testing::KilledBySignal(row.signal), "") << row.script;
         EXPECT_NE(tool.read("pid"), "") << row.script;
         EXPECT_FALSE(tool.isRunning("pid")) << row.script;

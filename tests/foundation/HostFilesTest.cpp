@@ -2,6 +2,7 @@
 #include "foundation/Text.h"
 #include "support/TemporaryDirectory.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <thread>
@@ -52,6 +53,22 @@ TEST_F(HostFiles, ReplaceKeepsPermissionsAndLinksAndLeavesNothingBehind) {
     EXPECT_EQ(files().replace(at("no/such/dir"), "x"), ENOENT);
     EXPECT_EQ(files().replace(dir.path(), "x"), EISDIR);
     EXPECT_EQ(files().list(dir.path()).size(), 2);
+}
+
+TEST_F(HostFiles, ReplacingContentsByThemselvesRenewsTheTimeAlone) {
+    files().replace(at("a"), "same");
+    const std::string name = dir.bytes() + "/a";
+    const timespec old[2] = {{1000, 0}, {1000, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, name.c_str(), old, 0), 0);
+    struct stat before {};
+    ::stat(name.c_str(), &before);
+    EXPECT_EQ(files().replace(at("a"), "same"), 0);
+    struct stat after {};
+    ::stat(name.c_str(), &after);
+    EXPECT_EQ(after.st_ino, before.st_ino);
+    EXPECT_GT(after.st_mtim.tv_sec, 1000);
+    EXPECT_EQ(files().replace(at("a"), "diff"), 0);
+    EXPECT_EQ(contents(at("a")), "diff");
 }
 
 TEST_F(HostFiles, ReadsAPipeToItsEnd) {

@@ -116,7 +116,7 @@ TEST_F(SOBFMSP430EncodeTest, AnyOpcodeAndOperandsAreSafeAndFillTheirLength) {
         }
     };
     for (int i = 0; i < 50'000; ++i) {
-        const unsigned opcode = random() >> random() % 32;
+        const auto opcode = static_cast<unsigned>(random() >> random() % 32);
         SOBFExpr* source = operand();
         SOBFExpr* destination = random() % 2 ? nullptr : operand();
         auto* record = insn(opcode, source, destination, random() % 2, static_cast<int>(random()));

@@ -1,5 +1,8 @@
+#include "foundation/HByteStream.h"
 #include "foundation/HException.h"
+#include "object/SOBFMSP430Reader.h"
 #include "object/SOBFMSP430Support.h"
+#include "object/SOBFModule.h"
 #include "object/SOBFPseudoInsn.h"
 #include "object/SOBFSection.h"
 #include "object/SOBFWriter.h"
@@ -156,13 +159,13 @@ TEST_F(SOBFMSP430Recode, TurnsAJumpThatDoesNotReachIntoOnesThatDo) {
         const char* records;
     };
     const Case cases[] = {
-        {0x2000, "JZ\t@1\nJMP\tfar\t ; = 9000\n@1\n|"},
-        {0x2400, "JNZ\t@1\nJMP\tfar\t ; = 9000\n@1\n|"},
-        {0x2800, "JC\t@1\nJMP\tfar\t ; = 9000\n@1\n|"},
-        {0x2C00, "JNC\t@1\nJMP\tfar\t ; = 9000\n@1\n|"},
-        {0x3000, "JN\t@1\nJMP\t@2\n@1\nJMP\tfar\t ; = 9000\n@2\n|"},
-        {0x3400, "JL\t@1\nJMP\tfar\t ; = 9000\n@1\n|"},
-        {0x3800, "JGE\t@1\nJMP\tfar\t ; = 9000\n@1\n|"},
+        {0x2000, "JZ\t@0\nJMP\tfar\t ; = 9000\n@0\n|"},
+        {0x2400, "JNZ\t@0\nJMP\tfar\t ; = 9000\n@0\n|"},
+        {0x2800, "JC\t@0\nJMP\tfar\t ; = 9000\n@0\n|"},
+        {0x2C00, "JNC\t@0\nJMP\tfar\t ; = 9000\n@0\n|"},
+        {0x3000, "JN\t@0\nJMP\t@1\n@0\nJMP\tfar\t ; = 9000\n@1\n|"},
+        {0x3400, "JL\t@0\nJMP\tfar\t ; = 9000\n@0\n|"},
+        {0x3800, "JGE\t@0\nJMP\tfar\t ; = 9000\n@0\n|"},
         {0x3C00, "|\tBR\t#far\n"},
     };
     for (const Case& each : cases) {
@@ -233,6 +236,24 @@ TEST_F(SOBFMSP430InsnTest, ExternalizesOperandsOpcodeExtensionAndBytes) {
     record->encode();
     EXPECT_EQ(written(record), "022630410a080241302d"
                                "080223456700022338");
+}
+
+TEST_F(SOBFMSP430InsnTest, ReaderTakesSourceDestinationAndOpcodeAsTheyStand) {
+    HByteStream stream;
+    for (const int byte :
+         {0x00, 0x26, 0x09, 0x09, 0x09, 0x4A, 0x4F, 0x00, 0x00, 0x23, 0x28, 0x27, // a section
+          0x08, 0x02, 0x12, 0x34, 0x09, 0x08, 0x02, 0x40, 0x35, 0x2D, 0x00, 0x09,
+          0x08, 0x02, 0x40, 0x35, 0x2D, 0x0A, 0x08, 0x02, 0x41, 0x30, 0x2D})
+        stream.write(static_cast<uint8_t>(byte));
+    SOBFModule* module = SOBFMSP430Reader(&stream, false).readFile();
+    std::string texts;
+    for (SOBFInsn* each : (*module->sections.begin())->currentFragment->insns) {
+        each->encode();
+        texts += each->printString() + " " + each->printOpCode() + "\n";
+        EXPECT_EQ(each->length(), each->byteCount);
+    }
+    EXPECT_EQ(texts, "MOV.W\t#4660, R5 35403412\nMOV.W\t#0, R5 35400000\nRET 3041\n");
+    SOBFReader::release(module);
 }
 
 TEST_F(SOBFMSP430InsnTest, RegistersGoByNameBothWays) {

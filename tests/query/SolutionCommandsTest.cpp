@@ -32,9 +32,9 @@ TEST_F(Commands, TreeShowsTypesAndKeys) {
                            "  solution in\n"
                            "    project q as q(in)\n");
     EXPECT_EQ(json(answer.json["children"]),
-              R"([[{"children":[{"children":[{"kind":"file","name":"a.c","type":"C"}],"kind":"folder","name":"d"}],)"
-              R"("key":"p","kind":"project","name":"p","type":"Library"},{"children":[{"key":"q(in)","kind":)"
-              R"("project","name":"q"}],"key":"in","kind":"solution","name":"in"}]])");
+              R"-([[{"children":[{"children":[{"kind":"file","name":"a.c","type":"C"}],"kind":"folder",)-"
+              R"-("name":"d"}],"key":"p","kind":"project","name":"p","type":"Library"},{"children":[{"key":)-"
+              R"-("q(in)","kind":"project","name":"q"}],"key":"in","kind":"solution","name":"in"}]])-");
 }
 
 TEST_F(Commands, SettingsTellWhereTheyComeFrom) {

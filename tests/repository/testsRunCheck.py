@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """testsRunCheck.py ROOT: every test file lies in the folder of a layer, under a name that the build picks up, and every
-fuzz target and benchmark is built and has what it needs."""
+fuzz target has seeds."""
 import pathlib
 import re
 import sys
@@ -14,12 +14,8 @@ for file in sorted((root / "tests").rglob("*.cpp")):
     if re.search(r"\bTEST(_F|_P)?\(", file.read_text()):
         if folder not in layers or not file.name.endswith("Test.cpp") or len(file.relative_to(root).parts) != 3:
             failures.append(f"{file.relative_to(root)} is in no test program")
-for kind, suffix in (("fuzz", "Fuzz"), ("bench", "Bench")):
-    built = set(re.findall(rf"ostmake_{kind}\((\w+)", (root / kind / "CMakeLists.txt").read_text()))
-    for file in sorted((root / kind).glob(f"*{suffix}.cpp")):
-        if file.stem not in built:
-            failures.append(f"{kind}/{file.name} is not built")
-        if kind == "fuzz" and not any((root / "fuzz/corpus" / file.stem).glob("*")):
-            failures.append(f"{kind}/{file.name} has no seeds")
+for file in sorted((root / "fuzz").glob("*Fuzz.cpp")):
+    if not any((root / "fuzz/corpus" / file.stem).glob("*")):
+        failures.append(f"fuzz/{file.name} has no seeds")
 print("\n".join(failures) or "all tests take part")
 sys.exit(1 if failures else 0)
