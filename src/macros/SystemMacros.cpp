@@ -52,12 +52,15 @@ QString tarnLocalDataDir() {
                                           QLatin1String(Get_PRODUCT_GENERIC_NAME()));
 }
 
-void PackageSystem::setupPackageMacros(const QString& packagesDir) {
+void PackageSystem::setPackageMacros(const QString& packagesDir) {
     const Path packages(MacroSystem::replaceMacros(macroSystem.systemMacros(), packagesDir));
     macroSystem.setSystemMacroPath("PackagesDir", packages.osPathQString());
     macroSystem.setSystemMacroPath("TargetsDir", packages.osPathQString() + "/targets");
     macroSystem.setSystemMacroPath("SamplesDir", packages.osPathQString() + "/samples");
+}
 
+void PackageSystem::setupPackageMacros(const QString& packagesDir) {
+    setPackageMacros(packagesDir);
     const QString targetsDir = macroSystem.systemMacro("TargetsDir");
     if (!files().status(targetsDir).exists())
         QTx::makeDir(targetsDir);

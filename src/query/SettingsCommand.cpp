@@ -30,7 +30,7 @@ PropertyClassList classesFor(ProjectSystem& system, const SettingsRequest& reque
     for (const QString& name : request.names) {
         const PropertyClass* named = catalogueClass(name);
         if (!named)
-            throw Error{"can't find property '" + name + "'"};
+            throw QueryError{"can't find property '" + name + "'"};
         classes.appendUnique(named);
     }
     if (!request.names.isEmpty())
@@ -44,7 +44,7 @@ PropertyClassList classesFor(ProjectSystem& system, const SettingsRequest& reque
 
 } // namespace
 
-SolutionCommands::Answer SolutionCommands::settings(ProjectSystem& system, const SettingsRequest& request) {
+Answer SolutionCommands::settings(ProjectSystem& system, const SettingsRequest& request) {
     ProjectElement* element = find(system, request.node);
     const bool onlySet = request.names.isEmpty() && request.shown == Shown::Set;
     QString text;

@@ -1,22 +1,10 @@
 #pragma once
 
 #include "project/ProjectSystem.h"
-
-#include <QJsonValue>
+#include "query/Answer.h"
 
 /// What the commands of ostquery that look into a loaded solution answer. None of them prints.
 namespace SolutionCommands {
-
-/// An answer in its two forms: lines for people, each with its end, and a value for programs.
-struct Answer {
-    QString text;
-    QJsonValue json;
-};
-
-/// The request can't be carried out: a text for the user.
-struct Error {
-    QString message;
-};
 
 /// Which node of the solution is meant: the root, a project by its listing key, or a file of that project (or
 /// of any, without a project) by its name or its "file_name".
@@ -24,7 +12,7 @@ struct Node {
     QString project;
     QString file;
 };
-/// The node; throws Error if there is none.
+/// The node; throws QueryError if there is none.
 ProjectElement* find(ProjectSystem& system, const Node& node);
 
 /// Solutions, projects, folders and files in their order, with types and listing keys.
@@ -37,8 +25,8 @@ struct SettingsRequest {
     Shown shown = Shown::Applicable; ///< the node's own kinds, the whole catalogue, or only what is stated
     QStringList names;               ///< if not empty, only these, whatever `shown` says
 };
-/// Each setting with its resolved value and where that came from. Throws Error for a name that no setting
-/// has.
+/// Each setting with its resolved value and where that came from. Throws QueryError for a name that no
+/// setting has.
 Answer settings(ProjectSystem& system, const SettingsRequest& request);
 
 /// The configurations that the solutions around the node declare, hidden ones marked.

@@ -17,7 +17,7 @@ QJsonArray namesOf(const QList<ProjectElement*>& elements) {
 
 } // namespace
 
-SolutionCommands::Answer SolutionCommands::configurations(ProjectSystem& system, const Node& node) {
+Answer SolutionCommands::configurations(ProjectSystem& system, const Node& node) {
     ProjectElement* element = find(system, node);
     const QStringList offered = system.configurations(element, ProjectSystem::IncludeVisible);
     QString text;
@@ -31,8 +31,7 @@ SolutionCommands::Answer SolutionCommands::configurations(ProjectSystem& system,
     return {text, array};
 }
 
-SolutionCommands::Answer SolutionCommands::order(ProjectSystem& system, const Node& node,
-                                                 const QString& configuration) {
+Answer SolutionCommands::order(ProjectSystem& system, const Node& node, const QString& configuration) {
     QString text;
     QJsonArray array;
     for (ProjectElement* project : system.buildOrder(find(system, node), configuration)) {
@@ -47,8 +46,7 @@ SolutionCommands::Answer SolutionCommands::order(ProjectSystem& system, const No
     return {text, array};
 }
 
-SolutionCommands::Answer SolutionCommands::macros(ProjectSystem& system, const Node& node,
-                                                  const QString& configuration) {
+Answer SolutionCommands::macros(ProjectSystem& system, const Node& node, const QString& configuration) {
     const MacroMap map = NodeMacros(system, find(system, node), configuration).map();
     QString text;
     QJsonObject object;

@@ -103,7 +103,7 @@ private:
 
 } // namespace
 
-SolutionCommands::Answer SolutionCommands::tree(ProjectSystem& system) {
+Answer SolutionCommands::tree(ProjectSystem& system) {
     return TreeWriter(system).run(system.solutionElement());
 }
 
@@ -112,7 +112,7 @@ ProjectElement* SolutionCommands::find(ProjectSystem& system, const Node& node) 
     if (!node.project.isEmpty())
         top = system.findProject(top, node.project);
     if (!top)
-        throw Error{"can't find project '" + node.project + "'"};
+        throw QueryError{"can't find project '" + node.project + "'"};
     if (node.file.isEmpty())
         return top;
     for (ProjectElement* element = top; element; element = element->nextInTree(top)) {
@@ -120,5 +120,5 @@ ProjectElement* SolutionCommands::find(ProjectSystem& system, const Node& node) 
             (element->attribute("file_name") == node.file || element->getName() == node.file))
             return element;
     }
-    throw Error{"can't find file '" + node.file + "'"};
+    throw QueryError{"can't find file '" + node.file + "'"};
 }

@@ -65,7 +65,7 @@ TEST_F(Commands, WhatIsNotThereIsNamed) {
     const auto error = [&](const SettingsRequest& request) {
         try {
             settings(system, request);
-        } catch (const Error& e) {
+        } catch (const QueryError& e) {
             return e.message;
         }
         return QString();

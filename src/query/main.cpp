@@ -1,0 +1,3 @@
+#include "query/Query.h"
+
+int main(int argc, char** argv) { return ostquery(argc, argv); }
