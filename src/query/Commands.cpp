@@ -24,6 +24,7 @@ const QueryCommand commands[] = {
     {"order", "SOLUTION", "the projects in the order in which they are built", configOptions, runOrder},
     {"macros", "SOLUTION", "what a $(...) in a setting of a node can name, and its value", configOptions,
      runMacros},
+    {"why", "SOLUTION", "what a build would do, and the one reason for each step", whyOptions, runWhy},
     {"object", "FILE...", "what object files hold", objectOptions, runObject},
 };
 

@@ -1,5 +1,6 @@
 #include "query/SolutionQueries.h"
 
+#include "build/MSP430BuildSystem.h"
 #include "foundation/Text.h"
 #include "macros/MacroSystem.h"
 #include "macros/Path.h"
@@ -9,6 +10,7 @@
 #include "project/SolutionLoadError.h"
 #include "properties/EnvironmentSettings.h"
 #include "query/SolutionCommands.h"
+#include "query/WhyCommand.h"
 
 #include <QCommandLineParser>
 #include <QJsonArray>
@@ -35,7 +37,10 @@ ProjectSystem& loadedSolution(const QCommandLineParser& words) {
         throw QueryError{"a solution expected"};
     environment = new EnvironmentSettings;
     environment->createEntries();
-    projectSystem = new MSP430ProjectSystem;
+    auto* system = new MSP430ProjectSystem;
+    projectSystem = system;
+    auto* engine = new MSP430BuildSystem;
+    system->setToolProperties(engine->toolProperties());
     defineMacros(words.values("define"));
     macroSystem.setSystemMacro("Platform", "msp430");
     setupDefaultSystemMacros(valueOr(words, "tarndir", QTx::rootDirectory()));
@@ -94,6 +99,10 @@ QList<QCommandLineOption> SolutionQueries::settingsOptions() {
                                                        {"set", "only settings that are stated somewhere"}};
 }
 
+QList<QCommandLineOption> SolutionQueries::whyOptions() {
+    return configOptions() + QList<QCommandLineOption>{{"batch", "each project in its batch configurations"}};
+}
+
 int SolutionQueries::runTree(const QCommandLineParser& words, const QueryStreams& streams) {
     return print(SolutionCommands::tree(loadedSolution(words)), words, streams);
 }
@@ -120,4 +129,11 @@ int SolutionQueries::runOrder(const QCommandLineParser& words, const QueryStream
 int SolutionQueries::runMacros(const QCommandLineParser& words, const QueryStreams& streams) {
     ProjectSystem& system = loadedSolution(words);
     return print(SolutionCommands::macros(system, nodeOf(words), configurationOf(words)), words, streams);
+}
+
+int SolutionQueries::runWhy(const QCommandLineParser& words, const QueryStreams& streams) {
+    ProjectElement* node = SolutionCommands::find(loadedSolution(words), nodeOf(words));
+    return print(
+        SolutionCommands::why(*standardBuildSystem, node, configurationOf(words), words.isSet("batch")),
+        words, streams);
 }

@@ -11,11 +11,13 @@ QList<QCommandLineOption> plainOptions();    ///< those that every command on a 
 QList<QCommandLineOption> nodeOptions();     ///< and which node is meant
 QList<QCommandLineOption> configOptions();   ///< and in which configuration
 QList<QCommandLineOption> settingsOptions(); ///< and which settings
+QList<QCommandLineOption> whyOptions();      ///< or whether it is a batch build
 
 int runTree(const QCommandLineParser& words, const QueryStreams& streams);
 int runSettings(const QCommandLineParser& words, const QueryStreams& streams);
 int runConfigurations(const QCommandLineParser& words, const QueryStreams& streams);
 int runOrder(const QCommandLineParser& words, const QueryStreams& streams);
 int runMacros(const QCommandLineParser& words, const QueryStreams& streams);
+int runWhy(const QCommandLineParser& words, const QueryStreams& streams);
 
 } // namespace SolutionQueries

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QHash>
+#include <QString>
+#include <optional>
+
+/// When files were last modified: asked of the file system once each, and remembered until `forget`, which
+/// whoever changes files calls. Times are whole seconds since the epoch.
+class FileTimes {
+public:
+    /// Of a file whose name counts from `directory` unless it is absolute; nothing if there is no such file.
+    std::optional<qint64> modified(const QString& directory, const QString& name);
+    void forget();
+
+    /// `name` counted from `directory` unless it is absolute.
+    static QString resolved(const QString& directory, const QString& name);
+
+private:
+    using Times = QHash<QString, std::optional<qint64>>;
+
+    Times m_absolute;
+    Times m_relative; ///< by the name as it is written, counted from m_directory
+    QString m_directory;
+};

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "build/StandardBuildSystem.h"
+
+struct CommandWords;
+
+/// The tool chain: turns one step into one command line of its compilers, assembler, linker and archiver. The
+/// command line is the whole interface to them. A command is a list of words, so nothing is quoted.
+class SOBFBuildSystem : public StandardBuildSystem {
+public:
+    void createCommandFor(ProjectElement* element, const QString& config, BuildAction action,
+                          const QString& output, const QString& fullOutput, const QStringList& inputs,
+                          Builder* builder, bool quiet, bool clean) override;
+    bool commandUpToDate(ProjectElement* element, const QString& config, const QDateTime& time,
+                         BuildAction action, Builder* builder, bool quiet) override;
+    QStringList getObjectFileDependencies(const QString& directory, const QString& input,
+                                          const QString& objectFile) override;
+    QString preprocess(ProjectElement* element, const QString& config, Builder* builder) override;
+
+    /// Appends what ends the command of a step. False if no command is to run.
+    virtual bool appendBuildOptions(ProjectElement* element, const QString& config, BuildAction action,
+                                    QStringList& command, Builder* builder) = 0;
+    virtual void appendPreprocessorOptions(ProjectElement* element, const QString& config,
+                                           QStringList& command) = 0;
+
+    /// The part of the name that tells the variants of these library functions apart.
+    QString getPrintfVariant(ProjectElement* element, const QString& config) const;
+    QString getScanfVariant(ProjectElement* element, const QString& config) const;
+
+    /// Appends the definitions of the release.
+    static void addCommonPreprocessorDefinitions(QStringList& command);
+    /// Where the tools lie.
+    static QString toolRoot();
+
+private:
+    void compile(CommandWords& command, const QString& fullOutput);
+    void link(CommandWords& command, const QString& fullOutput);
+    void runLink(const CommandWords& command, const QString& fullOutput);
+    void archive(CommandWords& command, const QString& fullOutput);
+
+    static const TestedSetting testedSettings[];
+};

@@ -1,0 +1,135 @@
+#pragma once
+
+#include "build/BuildSystem.h"
+#include "build/CommandHost.h"
+#include "build/DependencyCache.h"
+#include "build/PackageFile.h"
+#include "properties/BuildOptions.h"
+
+#include <span>
+
+class DocumentationGenerator;
+
+/// The middle of the engine, the sequence of a build: what kind of step each node needs, in which order steps
+/// run, what goes in and what comes out, when a step can be skipped, and which user commands run around it.
+/// Does not know what the command line of a tool looks like.
+class StandardBuildSystem : public BuildSystem, public CommandHost {
+public:
+    /// The kind of step of a node.
+    enum BuildAction {
+        NoAction = 0,
+        Excluded = 1,
+        CompileC = 2,
+        CompileCpp = 3,
+        CompileForth = 5,
+        CompileBasic = 6,
+        Assemble = 7,
+        External = 8,
+        Link = 10,
+        Archive = 11,
+        Stage = 12,
+        Combine = 13
+    };
+
+    /// Reads the tool properties file beside the program, and becomes the process's standardBuildSystem.
+    StandardBuildSystem();
+    ~StandardBuildSystem() override;
+
+    QString findIncludeFile(bool flag, const QString& name, ProjectElement* element,
+                            const QString& config) override;
+    QString output(ProjectElement* element, const QString& config, bool absolute) override;
+    void getDependencies(ProjectElement* element, const QString& config, QStringList& list) override;
+    bool canLoad(ProjectElement* element, const QString& config) override;
+    bool canCompile(ProjectElement* element, const QString& config) override;
+    bool mustCompile(ProjectElement* element, const QString& config) override;
+    bool platformBuild(ProjectElement* element, const QString& config, Builder* builder, int flags) override;
+
+    /// Composes the command of a step and lets the builder carry it out. `output` is the output's path as the
+    /// step names it, `fullOutput` its full path.
+    virtual void createCommandFor(ProjectElement* element, const QString& config, BuildAction action,
+                                  const QString& output, const QString& fullOutput, const QStringList& inputs,
+                                  Builder* builder, bool quiet, bool clean) = 0;
+    /// Whether no setting that shapes the command of a step changed after `time`.
+    virtual bool commandUpToDate(ProjectElement* element, const QString& config, const QDateTime& time,
+                                 BuildAction action, Builder* builder, bool quiet);
+    /// What an object file was made from, as it tells itself; empty if it does not tell. Throws HException if
+    /// it can't be read.
+    virtual QStringList getObjectFileDependencies(const QString& directory, const QString& input,
+                                                  const QString& objectFile) = 0;
+
+    /// The settings that the tool properties file adds.
+    const PropertyLists::ToolProperties& toolProperties() const { return m_options.tools; }
+    /// Who carries out the command "docgen"; null for nobody. Not owned.
+    void setDocumentationGenerator(DocumentationGenerator* generator) { m_documentation = generator; }
+    bool builtinCommand(const QString& directory, QStringList& command, QString& errorText) override;
+    void commandFailed() override { setFailed(); }
+
+    BuildAction buildAction(ProjectElement* element, const QString& config);
+    static bool isSource(BuildAction action) { return action >= CompileC && action <= Assemble; }
+    QString output(BuildAction action, ProjectElement* element, const QString& config, bool absolute);
+    /// The number of steps at and under a node.
+    int countJobs(ProjectElement* element, const QString& config, int flags);
+    /// Appends the outputs of the nodes from `first` along its siblings, and of all under them.
+    void findOutputs(ProjectElement* first, const QString& config, QStringList& list, bool absolute);
+    /// Appends the names of the files there that are not excluded, relative to the project.
+    void findRelativeInputs(ProjectElement* first, const QString& config, QStringList& list);
+    /// The first file of this type at or under a node that is not excluded; null if there is none.
+    ProjectElement* findFileOfType(ProjectElement* element, const QString& config, const QString& type);
+    /// Whether a link has such a file, and where it is.
+    bool useMemoryMapFileForLink(ProjectElement* element, const QString& config, QString& path);
+    bool useSectionPlacementFileForLink(ProjectElement* element, const QString& config, QString& path);
+    /// Removes an output.
+    void cleanFile(const QString& path, bool quiet, Builder* builder);
+
+    /// Whether no property group that adds definitions changed after `time`.
+    bool propertyGroupsDefinesUpToDate(ProjectElement* element, const QString& config, const QDateTime& time,
+                                       Builder* builder, bool quiet);
+    /// Whether the files that a link leaves beside its output are there.
+    bool mapOutputFileUpToDate(ProjectElement* element, const QString& config, const QString& fullOutput,
+                               Builder* builder, bool quiet);
+    bool additionalOutputFileUpToDate(ProjectElement* element, const QString& config,
+                                      const QString& fullOutput, Builder* builder, bool quiet);
+
+protected:
+    /// A setting that can make the steps of some actions out of date.
+    struct TestedSetting {
+        unsigned actions; ///< bits by the number of the action
+        Setting setting;
+    };
+    /// Whether none of the settings that count for the action changed after `time`.
+    bool settingsUpToDate(std::span<const TestedSetting> rows, ProjectElement* element, const QString& config,
+                          const QDateTime& time, BuildAction action, Builder* builder, bool quiet);
+    bool settingUpToDate(ProjectElement* element, const PropertyClass& propertyClass, const QString& config,
+                         const QDateTime& time, Builder* builder, bool quiet);
+    static constexpr unsigned bitOf(BuildAction action) { return 1U << action; }
+
+private:
+    class Step;
+    struct Force;
+
+    static const TestedSetting testedSettings[];
+
+    bool platformBuild1(ProjectElement* element, const QString& config, Builder* builder, int flags);
+    bool isIncluded(ProjectElement* element, const QString& config) const;
+    QString outputText(BuildAction action, ProjectElement* element, const QString& config) const;
+    QStringList sourceDependencies(ProjectElement* element, const QString& full);
+    void appendLinkInputs(ProjectElement* project, const QList<ProjectElement*>& dependencies,
+                          const QString& config, bool absolute, QStringList& list);
+    bool linkerFile(ProjectElement* element, const QString& config, const QString& type, Setting setting,
+                    QString& path);
+    void appendLinkerFiles(ProjectElement* project, const QString& config, QStringList& list);
+    bool fileBesideOutput(const QString& fullOutput, const QString& extension, Builder* builder, bool quiet);
+    bool anySettingChanged(ProjectElement* element, const QString& config) const;
+    void reportDue(ProjectElement* element, const QString& config, const QString& output,
+                   const QString& reason);
+
+    const BuildOptions m_options;
+    PackageUpdater m_packages;
+    DocumentationGenerator* m_documentation = nullptr;
+    DependencyCache m_dependencyCache;
+    ProjectElement* m_lastDue = nullptr; ///< the node whose step was found due last
+    QString m_projectDirectory;          ///< what outputs and dependencies of the project in hand count from
+};
+
+/// The engine of the process, as those who carry out commands know it; null before it is made.
+extern StandardBuildSystem* standardBuildSystem;
