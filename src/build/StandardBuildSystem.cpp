@@ -276,8 +276,13 @@ void StandardBuildSystem::getDependencies(ProjectElement* element, const QString
     QStringList found;
     if (isSource(action)) {
         const QString full = output(action, element, config, true);
-        found = sourceDependencies(element, full);
-        m_dependencyCache.store(full, found);
+        element->checkDoFileStuff();
+        if (files().status(full).exists()) {
+            found = sourceDependencies(element, full);
+            m_dependencyCache.store(full, found);
+        } else {
+            found.append(element->path().canonicalPathQString());
+        }
     } else if (action == Link) {
         appendLinkInputs(element, projectSystem->buildOrder(element, config), config, true, found);
         appendLinkerFiles(element, config, found);

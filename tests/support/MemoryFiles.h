@@ -12,7 +12,8 @@
 class MemoryFiles : public FileAccess {
 public:
     /// Lets a second go by.
-    void tick() { m_now += 1'000'000'000; }
+    void tick() { advance(1'000'000'000); }
+    void advance(qint64 nanoseconds) { m_now += nanoseconds; }
     qint64 now() const { return m_now; }
 
     /// Writes a file with the present time, directories and all.

@@ -1,0 +1,74 @@
+#include "query/WhyCommand.h"
+
+#include "build/BuildSystem.h"
+#include "build/Builder.h"
+#include "build/StepListener.h"
+#include "foundation/HException.h"
+#include "foundation/Text.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+namespace {
+
+using namespace SolutionCommands;
+
+/// Writes the steps down as they come, under a line for each project and configuration.
+class StepList : public StepListener {
+public:
+    void stepDue(ProjectElement* element, const QString& config, const QString& output,
+                 const QString& reason) override {
+        ProjectElement* project = projectSystem->projectContaining(element);
+        const QString projectName = project ? project->getName() : QString("");
+        const QString header = projectName + " in " + config + "\n";
+        if (header != m_header)
+            m_text += m_header = header;
+        m_text += "  " + element->getName();
+        if (!output.isEmpty())
+            m_text += " -> " + output;
+        m_text += ": " + reason + "\n";
+        m_steps.append(QJsonObject{{"project", projectName},
+                                   {"configuration", config},
+                                   {"element", element->getName()},
+                                   {"output", output},
+                                   {"reason", reason}});
+    }
+    Answer answer() const { return {m_text.isEmpty() ? QString("nothing to do\n") : m_text, m_steps}; }
+
+private:
+    QString m_header;
+    QString m_text;
+    QJsonArray m_steps;
+};
+
+/// Takes what a build says and does nothing with it; no command comes to it.
+class SilentBuilder : public Builder {
+public:
+    void beginGroup(ProjectElement*, const QString&, int) override {}
+    void endGroup(ProjectElement*) override {}
+    void init() override {}
+    void setDirectory(const QString&) override {}
+    void setCommand(const QStringList&) override {}
+    void setEnvironment(const QStringList&) override {}
+    void setOutputFiles(const QStringList&) override {}
+    void setTemporaryFiles(const QStringList&) override {}
+    void doit() override {}
+    void error(const QString&) override {}
+};
+
+} // namespace
+
+SolutionCommands::Answer SolutionCommands::why(BuildSystem& engine, ProjectElement* node,
+                                               const QString& configuration, bool batch) {
+    StepList steps;
+    SilentBuilder builder;
+    engine.setStepListener(&steps);
+    try {
+        engine.build(node, configuration, &builder, BuildFlags::check | BuildFlags::Quiet, true, batch);
+    } catch (const HException& failure) {
+        engine.setStepListener(nullptr);
+        throw Error{toText(failure.text())};
+    }
+    engine.setStepListener(nullptr);
+    return steps.answer();
+}
