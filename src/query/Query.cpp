@@ -1,11 +1,13 @@
 #include "query/Query.h"
 
+#include "build/MSP430BuildSystem.h"
 #include "foundation/HException.h"
 #include "foundation/Text.h"
 #include "macros/QTx.h"
 #include "project/SolutionLoadError.h"
 #include "query/QuerySolution.h"
 #include "query/SolutionCommands.h"
+#include "query/WhyCommand.h"
 
 #include <QCommandLineParser>
 #include <QJsonArray>
@@ -50,6 +52,13 @@ Answer runMacros(const QCommandLineParser& words) {
     return SolutionCommands::macros(loadedSolution(words), nodeOf(words), configurationOf(words));
 }
 
+Answer runWhy(const QCommandLineParser& words) {
+    ProjectSystem& system = loadedSolution(words);
+    MSP430BuildSystem engine;
+    return SolutionCommands::why(engine, SolutionCommands::find(system, nodeOf(words)),
+                                 configurationOf(words), words.isSet("batch"));
+}
+
 constexpr Command commands[] = {
     {"tree", "SOLUTION", "solutions, projects, folders and files, with types and listing keys",
      "define tarndir packagesdir", 1, runTree},
@@ -61,6 +70,8 @@ constexpr Command commands[] = {
      "project config define tarndir packagesdir", 1, runOrder},
     {"macros", "SOLUTION", "what a $(...) in a setting of a node can name, and its value",
      "project file config define tarndir packagesdir", 1, runMacros},
+    {"why", "SOLUTION", "what a build would do, and the reason for each step",
+     "project config batch define tarndir packagesdir", 1, runWhy},
 };
 
 /// Every option that some command has.
@@ -71,6 +82,7 @@ const QList<QCommandLineOption>& allOptions() {
         {"project", "a project by its listing key", "P"},
         {"file", "a file by its name, of that project or of any", "F"},
         {"config", "a configuration; \"Common\" without it", "C"},
+        {"batch", "each project in its batch configurations"},
         {"all", "every setting of the catalogue"},
         {"set", "only settings that are stated somewhere"},
         {{"D", "define"}, "set a global macro for this run", "NAME=VALUE"},

@@ -1,7 +1,7 @@
 #include "query/WhyCommand.h"
 
-#include "build/BuildSystem.h"
 #include "build/Builder.h"
+#include "build/StandardBuildSystem.h"
 #include "build/StepListener.h"
 #include "foundation/HException.h"
 #include "foundation/Text.h"
@@ -10,8 +10,6 @@
 #include <QJsonObject>
 
 namespace {
-
-using namespace SolutionCommands;
 
 /// Writes the steps down as they come, under a line for each project and configuration.
 class StepList : public StepListener {
@@ -58,8 +56,11 @@ public:
 
 } // namespace
 
-SolutionCommands::Answer SolutionCommands::why(BuildSystem& engine, ProjectElement* node,
-                                               const QString& configuration, bool batch) {
+Answer SolutionCommands::why(StandardBuildSystem& engine, ProjectElement* node, const QString& configuration,
+                             bool batch) {
+    const QStringList offered = projectSystem->configurations(node, ProjectSystem::IncludeVisible);
+    if (!offered.contains(configuration))
+        throw QueryError{"there is no configuration '" + configuration + "', but: " + offered.join(", ")};
     StepList steps;
     SilentBuilder builder;
     engine.setStepListener(&steps);
@@ -67,7 +68,7 @@ SolutionCommands::Answer SolutionCommands::why(BuildSystem& engine, ProjectEleme
         engine.build(node, configuration, &builder, BuildFlags::check | BuildFlags::Quiet, true, batch);
     } catch (const HException& failure) {
         engine.setStepListener(nullptr);
-        throw Error{toText(failure.text())};
+        throw QueryError{toText(failure.text())};
     }
     engine.setStepListener(nullptr);
     return steps.answer();

@@ -6,6 +6,8 @@
 
 class WhyCommand : public BuildFixture {
 protected:
+    const std::string configurations = "<configuration Name=\"Debug\"/>";
+
     QString why() {
         restart();
         return SolutionCommands::why(*engine, system.solutionElement(), "Debug", false).text;
@@ -13,7 +15,8 @@ protected:
 };
 
 TEST_F(WhyCommand, EachStepHasItsReasonAndNothingRuns) {
-    load("<project Name=\"lib\"><configuration Name=\"Common\" project_type=\"Library\"/>"
+    load(configurations +
+         "<project Name=\"lib\"><configuration Name=\"Common\" project_type=\"Library\"/>"
          "<file file_name=\"l.c\"/></project>"
          "<project Name=\"p\"><configuration Name=\"Common\" project_dependencies=\"lib\"/>"
          "<folder Name=\"d\"><file file_name=\"a.c\"/></folder></project>"
@@ -47,16 +50,21 @@ TEST_F(WhyCommand, EachStepHasItsReasonAndNothingRuns) {
 }
 
 TEST_F(WhyCommand, DamagedObjectIsAnError) {
-    load("<project Name=\"p\"><file file_name=\"a.c\"/></project>");
+    load(configurations + "<project Name=\"p\"><file file_name=\"a.c\"/></project>");
     touch("a.c");
     build();
     memory.write("/s/Debug/a.vko", "\xFF");
-    EXPECT_THROW(why(), SolutionCommands::Error);
+    EXPECT_THROW(why(), QueryError);
+}
+
+TEST_F(WhyCommand, UnknownConfigurationIsAnError) {
+    load(configurations);
+    EXPECT_THROW(SolutionCommands::why(*engine, system.solutionElement(), "Release", false), QueryError);
 }
 
 TEST_F(WhyCommand, ValueForProgramsHoldsTheSameSteps) {
-    load("<project Name=\"p\"><file file_name=\"a.c\"><configuration Name=\"Common\" "
-         "build_always_rebuild=\"Yes\"/></file></project>");
+    load(configurations + "<project Name=\"p\"><file file_name=\"a.c\"><configuration Name=\"Common\" "
+                          "build_always_rebuild=\"Yes\"/></file></project>");
     touch("a.c");
     build();
     restart();
