@@ -1,7 +1,10 @@
 #include "driver/Ostmake.h"
 
+#include "build/MSP430BuildSystem.h"
 #include "driver/ChosenElement.h"
+#include "driver/Console.h"
 #include "driver/OstmakeArgParse.h"
+#include "driver/OstmakeBuilder.h"
 #include "driver/ProcessExit.h"
 #include "driver/Report.h"
 #include "driver/Usage.h"
@@ -47,6 +50,15 @@ void setSystemMacros(const OstmakeArgParse& options) {
     PackageSystem::setupPackageMacros(options.packagesDir);
 }
 
+int buildFlags(const OstmakeArgParse& options) {
+    int flags = options.clean ? BuildFlags::clean : 0;
+    if (options.rebuild)
+        flags |= BuildFlags::Force;
+    if (!options.verbose)
+        flags |= BuildFlags::Quiet;
+    return flags;
+}
+
 /// The process-wide objects stay until the process ends; only a run that comes to its end saves the settings.
 int run(int argc, char** argv) {
     environment = new EnvironmentSettings;
@@ -64,13 +76,20 @@ int run(int argc, char** argv) {
         return 1;
     checkOptions(options);
 
-    projectSystem = new MSP430ProjectSystem;
+    auto* system = new MSP430ProjectSystem;
+    projectSystem = system;
+    auto* engine = new MSP430BuildSystem;
+    system->setToolProperties(engine->toolProperties());
     setSystemMacros(options);
     ProjectElement* element = chosenElement(options);
     requireConfiguration(element, options);
 
-    std::cerr << "error: this release loads solutions and can't build them yet\n";
-    return 1;
+    Console console;
+    OstmakeBuilder builder(*engine, console, options.echo || options.show, options.show);
+    engine->build(element, options.config, &builder, buildFlags(options), true, options.batch);
+    delete environment;
+    environment = nullptr;
+    return 0;
 }
 
 } // namespace
