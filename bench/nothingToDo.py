@@ -44,7 +44,7 @@ def object_file(dependencies):
     """The bytes of an object whose module says what it was made from."""
     key, value = b"dependencies", ";".join(dependencies).encode()
     strings = literal(0) + literal(len(key)) + b"\x23" + literal(len(key)) + literal(len(value)) + b"\x23"
-    return literal(len(key) + len(value)) + b"\x26" + key + value + b"\x09\x09\x09\x4a" + strings + b"\x51\x66"
+    return literal(len(key) + len(value)) + b"\x26" + key + value + b"\x09\x09\x09\x4a\x4f" + strings + b"\x51\x66"
 
 
 def write_tree(where, count):
