@@ -17,3 +17,5 @@ sample=samples/thermometer/thermometer.vkp
 show ostquery tree "$sample"
 show ostquery order "$sample" --config Debug
 show ostquery settings "$sample" --config Debug --project app --file celsius.c --set
+printf '\n# What a build would run. The tool chain is a product of its own, so the commands are shown, not carried out.\n'
+show ostmake -config Debug -project app -show "$sample"
