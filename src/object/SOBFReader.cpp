@@ -20,6 +20,10 @@ constexpr size_t usualBudget = 65536;
 
 constexpr const char* operandType = "bad object file: operand type error ";
 
+HString* intern(std::string_view text) {
+    return HString::intern(text.data(), static_cast<int>(text.size()), HString::AsIs);
+}
+
 [[noreturn]] void failOperand(const char* what) { throw HException(std::string(operandType) + what); }
 
 } // namespace
@@ -108,11 +112,11 @@ void SOBFReader::traceTag(std::ostream& trace, uint8_t tag) const {
 void SOBFReader::traceStack(std::ostream& trace) const {
     trace << '\t';
     for (const Slot* slot = m_stack; slot != m_stack + m_depth; ++slot) {
-        const SOBFObject* object = slot->object;
+        const SOBFObject* object = slot->kind == Slot::Object ? slot->object : nullptr;
         if (const int64_t* number = numberIn(*slot))
             trace << "n:" << *number << ' ';
-        else if (const auto* string = dynamic_cast<const SOBFString*>(object))
-            trace << "str:" << string->text->view() << ' ';
+        else if (isText(*slot))
+            trace << "str:" << textIn(*slot) << ' ';
         else if (dynamic_cast<const SOBFSymbol*>(object))
             trace << "sym:" << object->getName()->view() << ' ';
         else if (dynamic_cast<const SOBFFunctionType*>(object))
@@ -129,34 +133,35 @@ void SOBFReader::traceStack(std::ostream& trace) const {
     trace << '\n';
 }
 
-SOBFReader::Slot& SOBFReader::newSlot() {
-    if (m_depth == stackSize)
-        throw HException("bad object file: reader stack overflow");
-    return m_stack[m_depth++];
-}
-
-void SOBFReader::push(SOBFObject* object) { newSlot() = {object, 0, false}; }
-
-void SOBFReader::pushNumber(int64_t value) { newSlot() = {nullptr, value, true}; }
-
-SOBFReader::Slot& SOBFReader::popSlot() {
-    if (m_depth == 0)
-        throw HException("bad object file: reader empty stack");
-    return m_stack[--m_depth];
-}
+void SOBFReader::failStack(const char* failure) { throw HException(failure); }
 
 SOBFObject* SOBFReader::materialize(Slot& slot) {
-    if (slot.isNumber)
-        slot = {new SOBFConstExpr(slot.number), 0, false};
+    if (slot.kind == Slot::Number)
+        slot = {Slot::Object, {.object = new SOBFConstExpr(slot.number)}};
+    else if (slot.kind == Slot::Text)
+        slot = {Slot::Object,
+                {.object = new SOBFString(intern(textIn(slot)), static_cast<int>(slot.text.size))}};
     return slot.object;
 }
 
 /// The number in a slot, in the one form or the other; null if there is none.
 const int64_t* SOBFReader::numberIn(const Slot& slot) {
-    if (slot.isNumber)
+    if (slot.kind == Slot::Number)
         return &slot.number;
-    const auto* constant = dynamic_cast<const SOBFConstExpr*>(slot.object);
+    const auto* constant =
+        slot.kind == Slot::Object ? dynamic_cast<const SOBFConstExpr*>(slot.object) : nullptr;
     return constant ? &constant->value : nullptr;
+}
+
+bool SOBFReader::isText(const Slot& slot) {
+    return slot.kind == Slot::Text ||
+           (slot.kind == Slot::Object && dynamic_cast<const SOBFString*>(slot.object));
+}
+
+/// The text in a slot that holds one, in the one form or the other.
+std::string_view SOBFReader::textIn(const Slot& slot) {
+    return slot.kind == Slot::Text ? std::string_view(slot.text.data, slot.text.size)
+                                   : static_cast<const SOBFString*>(slot.object)->text->view();
 }
 
 SOBFObject* SOBFReader::popObject() { return materialize(popSlot()); }
@@ -206,6 +211,18 @@ SOBFScope* SOBFReader::popScope(bool nullAllowed) {
         failOperand("(scope expected)");
     return scope;
 }
+
+/// The bytes of a text; none, and a null pointer to them, for an absent one.
+std::string_view SOBFReader::popBytes(bool nullAllowed) {
+    const Slot& slot = popSlot();
+    if (isText(slot))
+        return textIn(slot);
+    if (!nullAllowed || !slot.isNull())
+        failOperand("(string expected)");
+    return {};
+}
+
+HString* SOBFReader::popText() { return intern(popBytes()); }
 
 SOBFString* SOBFReader::popString() { return popAs<SOBFString>("(string expected)"); }
 
@@ -260,8 +277,7 @@ void SOBFReader::spend(size_t& budget, size_t amount, const char* failure) {
 
 void SOBFReader::pushText(std::string_view text) {
     spend(m_textBudget, text.size(), "bad object file: texts too large");
-    const auto length = static_cast<int>(text.size());
-    push(new SOBFString(HString::intern(text.data(), length, HString::AsIs), length));
+    newSlot() = {Slot::Text, {.text = {text.data(), text.size()}}};
 }
 
 void SOBFReader::pushType(SOBFType* type) {

@@ -50,7 +50,7 @@ public:
     static void release(SOBFModule* module);
 
     /// The machine's stack. An entry may be null. All throw HException with the text that says what is wrong.
-    void push(SOBFObject* object);
+    void push(SOBFObject* object) { newSlot() = {Slot::Object, {.object = object}}; }
     SOBFObject* popObject();
     int64_t popConst();
     uint32_t popConst(uint32_t least, uint32_t most);
@@ -71,11 +71,19 @@ protected:
 private:
     friend struct SOBFTagRanges;
 
-    /// A number stays a number until someone wants the object.
+    /// A number stays a number, and a text bytes of the string pool, until someone wants the object: most are
+    /// taken by the next tag.
     struct Slot {
-        SOBFObject* object;
-        int64_t number;
-        bool isNumber;
+        enum Kind { Object, Number, Text } kind;
+        union {
+            SOBFObject* object;
+            int64_t number;
+            struct {
+                const char* data;
+                size_t size;
+            } text;
+        };
+        bool isNull() const { return kind == Object && !object; }
     };
     static constexpr size_t stackSize = 100;
 
@@ -86,12 +94,23 @@ private:
     void traceTag(std::ostream& trace, uint8_t tag) const;
     void traceStack(std::ostream& trace) const;
 
-    Slot& newSlot();
-    Slot& popSlot();
-    void pushNumber(int64_t value);
+    Slot& newSlot() {
+        if (m_depth == stackSize)
+            failStack("bad object file: reader stack overflow");
+        return m_stack[m_depth++];
+    }
+    Slot& popSlot() {
+        if (m_depth == 0)
+            failStack("bad object file: reader empty stack");
+        return m_stack[--m_depth];
+    }
+    [[noreturn]] static void failStack(const char* failure);
+    void pushNumber(int64_t value) { newSlot() = {Slot::Number, {.number = value}}; }
     int popInt() { return static_cast<int>(popConst()); }
     static SOBFObject* materialize(Slot& slot);
     static const int64_t* numberIn(const Slot& slot);
+    static bool isText(const Slot& slot);
+    static std::string_view textIn(const Slot& slot);
     SOBFExpr* popPart(bool nullAllowed);
     template<class T>
     T* popAs(const char* failure);
@@ -100,7 +119,8 @@ private:
     SOBFPtrType* popPtr();
     SOBFStrucType* popStruc();
     SOBFFunctionType* popFunctionType();
-    HString* popText() { return popString()->text; }
+    std::string_view popBytes(bool nullAllowed = false);
+    HString* popText();
 
     uint32_t popIndex();
     std::string_view take(size_t bytes);
@@ -195,7 +215,7 @@ private:
     const char* m_start;
     const char* m_position;
     const char* m_end;
-    std::string_view m_strings; ///< the string pool, which lies in the stream
+    std::string_view m_strings = ""; ///< the string pool, which lies in the stream
 
     const bool m_stickyLocus;
     bool m_quick = false;

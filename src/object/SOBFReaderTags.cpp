@@ -67,12 +67,10 @@ void SOBFReader::runMakeAlias(uint8_t) {
 
 void SOBFReader::runMarkerDef(uint8_t) {
     const uint32_t index = popIndex();
-    SOBFObject* object = popObject();
+    const std::string_view name = popBytes(true);
     SOBFMarker* marker = markerAt(index);
-    if (object) {
-        push(object);
-        marker->name = popText();
-    }
+    if (name.data())
+        marker->name = HString::intern(name.data(), static_cast<int>(name.size()), HString::AsIs);
     place(marker);
 }
 
@@ -306,9 +304,9 @@ void SOBFReader::runEndLinkIf(uint8_t) { placeCurrent(new SOBFEndLinkIf); }
 
 void SOBFReader::runSetBytes(uint8_t) {
     SOBFInsn* insn = currentInsn();
-    const HString* bytes = popText();
-    spend(m_textBudget, bytes->view().size(), "bad object file: texts too large");
-    insn->appendBytes(bytes->view());
+    const std::string_view bytes = popBytes();
+    spend(m_textBudget, bytes.size(), "bad object file: texts too large");
+    insn->appendBytes(bytes);
 }
 
 void SOBFReader::runInstrumentation(uint8_t) {
