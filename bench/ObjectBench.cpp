@@ -14,6 +14,7 @@
 #include <benchmark/benchmark.h>
 #include <chrono>
 #include <fcntl.h>
+#include <fstream>
 #include <unistd.h>
 
 namespace {
@@ -85,7 +86,7 @@ public:
         const std::string file = code ? plainObjectOf(10'000) : objectOf(10'000);
         for (int i = 0; i < fileCount; ++i) {
             m_paths.append(m_directory.path() + "/a" + QString::number(i) + ".vko");
-            files().replace(m_paths.last(), file);
+            std::ofstream(toBytes(m_paths.last()).toStdString(), std::ios::binary) << file;
         }
     }
     const QStringList& paths() const { return m_paths; }

@@ -5,10 +5,13 @@
 #include "object/SOBFMSP430Reader.h"
 #include "object/SOBFModule.h"
 
+#include <algorithm>
+
 namespace {
 
 QStringList split(std::string_view text) {
     QStringList entries;
+    entries.reserve(std::count(text.begin(), text.end(), ';') + 1);
     while (!text.empty()) {
         const size_t end = std::min(text.find(';'), text.size());
         if (end > 0)
