@@ -73,15 +73,16 @@ private:
 
     /// A number stays a number, and a text bytes of the string pool, until someone wants the object: most are
     /// taken by the next tag.
+    struct Piece {
+        const char* data;
+        size_t size;
+    };
     struct Slot {
         enum Kind { Object, Number, Text } kind;
         union {
             SOBFObject* object;
             int64_t number;
-            struct {
-                const char* data;
-                size_t size;
-            } text;
+            Piece text;
         };
         bool isNull() const { return kind == Object && !object; }
     };

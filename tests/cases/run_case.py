@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs one whole-program case: run_case.py BIN CASE [--keep]
+"""Runs one whole-program case: run_case.py BIN CASE [--keep] [--accept]
 
 A case is a folder with a `session.txt` and whatever files its commands need. The files are copied to a new directory,
 which is also HOME's parent, and the commands run there. The session is read as bytes, so names of any bytes can stand
@@ -12,7 +12,8 @@ in it:
     [1]                                 the exit status, if it is not 0
     ...                                 as the only line of a stream: any text, but not none
 
-{DIR} stands for the directory, in commands and in what they print. The programs of BIN come first in PATH.
+{DIR} stands for the directory and {HOME} for the user's, in commands and in what they print. The programs of BIN come
+first in PATH. With --accept the session is written anew with what the commands print; read it before it is committed.
 """
 import os
 import shlex
@@ -74,18 +75,28 @@ def main():
     with open(os.path.join(case, "session.txt"), encoding="latin-1", newline="\n") as file:
         session = file.read()
     failures = 0
+    accepted = []
     for command, out, err, status in blocks(session):
         words = [os.fsencode(word.encode("latin-1")) for word in shlex.split(command.replace("{DIR}", directory))]
         ran = subprocess.run(words, cwd=directory, env=environment, capture_output=True, timeout=60,
                              stdin=subprocess.DEVNULL)
-        got_out, got_err = (text.decode("latin-1").replace(directory, "{DIR}").split("\n")
-                            for text in (ran.stdout, ran.stderr))
+        got_out, got_err = (text.decode("latin-1").replace(directory, "{DIR}").replace(environment["HOME"], "{HOME}")
+                            .split("\n") for text in (ran.stdout, ran.stderr))
+        accepted.append(without_blank_end(got_out) + ["2> " + line for line in without_blank_end(got_err)] + (
+            [f"[{ran.returncode}]"] if ran.returncode else []))
         if differs(out, got_out) or differs(err, got_err) or ran.returncode != status:
             failures += 1
             print(f"$ {command}")
             print("expected:", *out, *("2> " + line for line in err), f"[{status}]", sep="\n  ")
             print("got:", *without_blank_end(got_out), *("2> " + line for line in without_blank_end(got_err)),
                   f"[{ran.returncode}]", sep="\n  ")
+    if "--accept" in sys.argv:
+        lines = []
+        for line in session.split("\n"):
+            if line.startswith(("$ ", "# ")):
+                lines += [line] + (accepted.pop(0) if line[0] == "$" else [])
+        with open(os.path.join(case, "session.txt"), "w", encoding="latin-1", newline="\n") as file:
+            file.write("\n".join(lines) + "\n")
     if "--keep" in sys.argv:
         print("kept:", work)
     else:
