@@ -16,7 +16,7 @@ MacroMap buildMacros() {
     for (const char* name : {"ProjectDir", "ProjectName", "Configuration", "OutDir", "IntDir", "InputName",
                              "InputPath", "OBJ", "EXE", "LIB", "TarnDir", "TargetsDir", "PackagesDir",
                              "SolutionDir", "RelInputPath", "InputFileName"})
-        macros[name] = QString("/home/user/work/") + name;
+        macros[name] = QString("/home/user/demo/") + name;
     return macros;
 }
 
