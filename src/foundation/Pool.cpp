@@ -39,10 +39,12 @@ Pool::Chunk* Pool::takeReleased(size_t capacity) {
 }
 
 void Pool::clear() {
+    size_t given = m_used; // of the first chunk; those behind it were given out to their end, or nearly
     while (m_chunks) {
         Chunk* chunk = std::exchange(m_chunks, m_chunks->next);
-        std::memset(chunk->memory(), releasedByte, chunk->size);
+        std::memset(chunk->memory(), releasedByte, given);
         chunk->next = std::exchange(releasedChunks, chunk);
+        given = m_chunks ? m_chunks->size : 0;
     }
     m_used = 0;
     m_capacity = 0;

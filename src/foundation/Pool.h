@@ -23,7 +23,7 @@ public:
         return allocateFromNewChunk(rounded);
     }
 
-    /// Gives up all memory. Every byte of it reads as 0xFE until the chunk is used again.
+    /// Gives up all memory. Every byte that was given out reads as 0xFE until the chunk is used again.
     void clear();
 
     /// Bytes given out of the chunk that is being filled.
