@@ -15,6 +15,9 @@
 
 namespace {
 
+/// What has no size of its own is read up to this many bytes: some devices never end.
+constexpr size_t mostUnsized = size_t{1} << 28;
+
 qint64 nanoseconds(const timespec& time) { return qint64{time.tv_sec} * 1'000'000'000 + time.tv_nsec; }
 
 FileBytes failure(FileBytes::Result result, int error) {
@@ -142,6 +145,8 @@ FileBytes HostFiles::read(const QString& path, size_t most) {
             return bytes;
         }
         if (bytes.size > expected) { // a pipe, or a file that grows while it is read
+            if (bytes.size > mostUnsized)
+                return failure(FileBytes::CannotRead, EFBIG);
             expected = std::min(2 * expected + 4096, most);
             bytes.data.reset(static_cast<char*>(std::realloc(bytes.data.release(), expected + 1)));
         }
