@@ -18,4 +18,4 @@ show ostquery tree "$sample"
 show ostquery order "$sample" --config Debug
 show ostquery settings "$sample" --config Debug --project app --file celsius.c --set
 printf '\n# What a build would run. The tool chain is a product of its own, so the commands are shown, not carried out.\n'
-show ostmake -config Debug -project app -show "$sample"
+show ostmake -config Debug -project app -tarndir /opt/tarn -show "$sample"
