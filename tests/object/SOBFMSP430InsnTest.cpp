@@ -232,6 +232,8 @@ TEST_F(SOBFMSP430InsnTest, ExternalizesOperandsOpcodeExtensionAndBytes) {
     EXPECT_EQ(written(insn(0x4035, number(0x1234))), "00260802123409080240352d");
     EXPECT_EQ(written(insn(0x4085, nullptr, number(6))), "00260906080240852d");
     auto* record = insn(0x4130);
+    record->extensionWord = 0x10000;
+    EXPECT_EQ(written(record), "00260a080241302d") << "only the low half counts";
     record->extensionWord = 0x12345;
     record->encode();
     EXPECT_EQ(written(record), "022630410a080241302d"
