@@ -48,7 +48,7 @@ void PropertyValue::setEnumerated(int index) {
 
 void PropertyValue::setValue(bool value) {
     if (m_propertyClass->type() != PropertyClass::Boolean)
-        qWarning("PropertyValue::setValue(bool): Setting a non-Boolean property");
+        qWarning("PropertyValue::setValue(int): Setting a non-Boolean property");
     setValue(value ? 1 : 0);
 }
 

@@ -101,7 +101,7 @@ TEST(PropertyValue, WritesThatDontFitWarn) {
     MemoryValue text(&list, "kept");
     CaptureStderr();
     text.setValue(true);
-    EXPECT_EQ(GetCapturedStderr(), "PropertyValue::setValue(bool): Setting a non-Boolean property\n"
+    EXPECT_EQ(GetCapturedStderr(), "PropertyValue::setValue(int): Setting a non-Boolean property\n"
                                    "PropertyValue::setValue(int): Setting a non-integer property\n");
     EXPECT_EQ(text.text, "kept");
 }
