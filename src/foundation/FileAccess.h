@@ -56,6 +56,11 @@ public:
     /// the new one, whole. The permissions of an old file stay, and a link to it stays a link. A file that
     /// holds just these contents already only gets a new time.
     virtual int replace(const QString& path, std::string_view contents) = 0;
+    /// The same for what can be made again at any time, such as pages of documentation: it is not waited for
+    /// until the disk has them, so that after a loss of power a file may be missing or empty.
+    virtual int replaceUnsynced(const QString& path, std::string_view contents) {
+        return replace(path, contents);
+    }
     virtual int remove(const QString& path) = 0;
     /// Copies a file's contents, times and permissions (less the process's umask) to `to`, in whole or not at
     /// all. A file already there must be writable, and a link there stays a link; EINVAL if it is `from`.
@@ -64,6 +69,12 @@ public:
     virtual int setWritable(const QString& path, bool writable) = 0;
     /// Makes one directory; its parent must be there.
     virtual int makeDirectory(const QString& path) = 0;
+
+    /// Tells which files will soon be looked at, counted from `directory` and in this order, so that they can
+    /// be fetched ahead, contents and all. What is said of them then is as it was at some moment from now on.
+    virtual void expect(const QString& directory, const QList<QString>& names);
+    /// Something else may have changed files: nothing that was fetched ahead counts any more.
+    virtual void forget() {}
 };
 
 /// The files of this process: those of the host, unless a test has put others in their place.

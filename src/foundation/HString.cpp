@@ -36,7 +36,11 @@ constexpr std::array<uint32_t, 256> makeScatter() {
     return values;
 }
 
+/// Each byte doubles what the bytes before it gave, so that those before the last 32 are shifted out.
 uint32_t hashOf(std::string_view text) {
+    constexpr size_t hashBits = 32;
+    if (text.size() > hashBits)
+        text.remove_prefix(text.size() - hashBits);
     uint32_t hash = 0;
     for (char c : text)
         hash = HString::scatter[static_cast<unsigned char>(c)] + 2 * hash;

@@ -1,5 +1,6 @@
 #include "foundation/Descriptor.h"
 #include "foundation/FileAccess.h"
+#include "foundation/ReadAhead.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -14,6 +15,9 @@
 #include <utility>
 
 namespace {
+
+/// What is larger is not worth being fetched ahead, in memory that may never be asked for.
+constexpr off_t mostFetched = 1 << 20;
 
 /// What has no size of its own is read up to this many bytes: some devices never end.
 constexpr size_t mostUnsized = size_t{1} << 28;
@@ -103,30 +107,46 @@ public:
     FileStatus status(const QString& path) override;
     QList<QString> list(const QString& directory) override;
     int replace(const QString& path, std::string_view contents) override;
-    int remove(const QString& path) override { return ::unlink(toBytes(path).constData()) == 0 ? 0 : errno; }
+    int replaceUnsynced(const QString& path, std::string_view contents) override;
+    int remove(const QString& path) override;
     int copy(const QString& from, const QString& to) override;
     int setWritable(const QString& path, bool writable) override;
     int makeDirectory(const QString& path) override {
         return ::mkdir(toBytes(path).constData(), 0777) == 0 ? 0 : errno;
     }
 
+    void expect(const QString& directory, const QList<QString>& names) override {
+        m_ahead.expect(directory, names);
+    }
+    void forget() override { m_ahead.forget(); }
+
 private:
+    static FileBytes readAll(const Descriptor& file, const struct stat& info, size_t most);
+    static FileStatus statusOf(const struct stat& info);
+    static ReadAhead::Fetched fetch(const QString& path);
     /// Whether the file has just these contents.
     bool holds(const QString& path, std::string_view contents) {
         const FileStatus now = status(path);
         return now.kind == FileStatus::File && static_cast<size_t>(now.size) == contents.size() &&
                read(path, SIZE_MAX).view() == contents;
     }
+
+    ReadAhead m_ahead{fetch};
 };
 
 FileBytes HostFiles::read(const QString& path, size_t most) {
+    if (auto bytes = m_ahead.read(path); bytes && bytes->size <= most)
+        return std::move(*bytes);
     const Descriptor file(::open(toBytes(path).constData(), O_RDONLY | O_CLOEXEC));
     if (!file.isOpen())
         return failure(FileBytes::CannotOpen, errno);
     struct stat info {};
     if (::fstat(file.number(), &info) != 0)
         return failure(FileBytes::CannotRead, errno);
+    return readAll(file, info, most);
+}
 
+FileBytes HostFiles::readAll(const Descriptor& file, const struct stat& info, size_t most) {
     FileBytes bytes;
     size_t expected = std::min(static_cast<size_t>(info.st_size), most);
     bytes.data.reset(static_cast<char*>(std::malloc(expected + 1)));
@@ -154,12 +174,29 @@ FileBytes HostFiles::read(const QString& path, size_t most) {
     return failure(FileBytes::CannotRead, ENOMEM);
 }
 
-FileStatus HostFiles::status(const QString& path) {
-    const QByteArray name = toBytes(path);
+ReadAhead::Fetched HostFiles::fetch(const QString& path) {
+    ReadAhead::Fetched fetched;
+    const Descriptor file(::open(toBytes(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat info {};
+    if (!file.isOpen() && errno == ENOENT)
+        fetched.status = FileStatus();
+    if (!file.isOpen() || ::fstat(file.number(), &info) != 0)
+        return fetched;
+    fetched.status = statusOf(info);
+    if (S_ISREG(info.st_mode) && info.st_size <= mostFetched)
+        fetched.contents = readAll(file, info, SIZE_MAX);
+    return fetched;
+}
+
+FileStatus HostFiles::status(const QString& path) {
+    if (const auto fetched = m_ahead.status(path))
+        return *fetched;
+    struct stat info {};
+    return ::stat(toBytes(path).constData(), &info) == 0 ? statusOf(info) : FileStatus();
+}
+
+FileStatus HostFiles::statusOf(const struct stat& info) {
     FileStatus status;
-    if (::stat(name.constData(), &info) != 0)
-        return status;
     status.kind = S_ISREG(info.st_mode)   ? FileStatus::File
                   : S_ISDIR(info.st_mode) ? FileStatus::Directory
                                           : FileStatus::Other;
@@ -183,7 +220,13 @@ QList<QString> HostFiles::list(const QString& directory) {
     return names;
 }
 
+int HostFiles::remove(const QString& path) {
+    m_ahead.forget();
+    return ::unlink(toBytes(path).constData()) == 0 ? 0 : errno;
+}
+
 int HostFiles::replace(const QString& path, std::string_view contents) {
+    m_ahead.forget();
     const QByteArray target = behindLinks(path);
     // What is written again and again without a change, such as settings, need not wait for the disk.
     if (holds(path, contents) && ::utimensat(AT_FDCWD, target.constData(), nullptr, 0) == 0)
@@ -191,8 +234,36 @@ int HostFiles::replace(const QString& path, std::string_view contents) {
     return putInPlace(target, modeFor(target), [&](int file) { return writeAll(file, contents); });
 }
 
+// Few calls of the system: there may be thousands of such files.
+int HostFiles::replaceUnsynced(const QString& path, std::string_view contents) {
+    m_ahead.forget();
+    QByteArray target = toBytes(path);
+    struct stat old {};
+    const bool isThere = ::lstat(target.constData(), &old) == 0;
+    if (isThere && S_ISLNK(old.st_mode)) {
+        target = behindLinks(path);
+        if (::stat(target.constData(), &old) != 0)
+            old.st_mode = 0;
+    }
+    const QByteArray temporary = target + '.' + QByteArray::number(::getpid()) + "~";
+    Descriptor file(::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (!file.isOpen())
+        return errno;
+    int error = writeAll(file.number(), contents);
+    if (error == 0 && isThere && old.st_mode != 0 && ::fchmod(file.number(), old.st_mode & 07777) != 0)
+        error = errno;
+    if (const int closed = file.close(); error == 0)
+        error = closed;
+    if (error == 0 && ::rename(temporary.constData(), target.constData()) != 0)
+        error = errno;
+    if (error != 0)
+        ::unlink(temporary.constData());
+    return error;
+}
+
 // The source may be a pipe that nobody writes to, which must not stop us.
 int HostFiles::copy(const QString& from, const QString& to) {
+    m_ahead.forget();
     const Descriptor source(::open(toBytes(from).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat info {};
     if (!source.isOpen() || ::fstat(source.number(), &info) != 0)
@@ -222,6 +293,8 @@ HostFiles hostFiles;
 FileAccess* current = &hostFiles;
 
 } // namespace
+
+void FileAccess::expect(const QString&, const QList<QString>&) {}
 
 FileAccess& files() { return *current; }
 

@@ -5,6 +5,23 @@
 
 #include <QStringList>
 
+namespace {
+
+/// Whether a "." or another "/" stands behind a "/" anywhere.
+bool hasRelativeParts(const QString& text) {
+    QChar last;
+    for (const QChar c : text) {
+        if (last == u'/' && (c == u'.' || c == u'/'))
+            return true;
+        last = c;
+    }
+    return false;
+}
+
+QStringView behindLastSlash(const QString& text) { return QStringView(text).mid(text.lastIndexOf(u'/') + 1); }
+
+} // namespace
+
 void Path::setPath(const QString& text) {
     m_data->text = normalised(text);
     m_data->status.reset();
@@ -17,20 +34,18 @@ Path& Path::operator+=(const QString& text) {
 
 QByteArray Path::osPath() const { return toBytes(m_data->text); }
 
-QString Path::fileName() const {
-    const QString& text = m_data->text;
-    return text.mid(text.lastIndexOf(u'/') + 1);
-}
+QString Path::fileName() const { return behindLastSlash(m_data->text).toString(); }
 
 QString Path::baseName() const {
-    const QString name = fileName();
-    return name.left(name.indexOf(u'.'));
+    const QStringView name = behindLastSlash(m_data->text);
+    const qsizetype dot = name.indexOf(u'.');
+    return (dot < 0 ? name : name.left(dot)).toString();
 }
 
 QString Path::extension(bool complete) const {
-    const QString name = fileName();
+    const QStringView name = behindLastSlash(m_data->text);
     const qsizetype dot = complete ? name.indexOf(u'.') : name.lastIndexOf(u'.');
-    return dot < 0 ? QString("") : name.mid(dot + 1);
+    return dot < 0 ? QString("") : name.mid(dot + 1).toString();
 }
 
 QString Path::dirPath(bool absolutely) const {
@@ -63,7 +78,7 @@ QString Path::normalised(QString text) {
 // The text is copied to its own front, component by component, instead of being cut in its middle again and
 // again. `out` is always what would stand before the scan position.
 void Path::removeRelativePaths(QString& text) {
-    if (!text.contains(QLatin1String("/.")) && !text.contains(QLatin1String("//")))
+    if (!hasRelativeParts(text))
         return;
     const auto endsComponent = [&](qsizetype at) { return at >= text.size() || text[at] == u'/'; };
     QString out;

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <QStringList>
+#include "object/DependencyList.h"
 
-/// The files that an object file was made from: its attribute "dependencies", split at ";", without empty
-/// entries. Empty if the object does not say. Reads no more than it needs. Throws HException if the file
-/// can't be read or is no object file.
-QStringList objectFileDependencies(const QString& path);
+#include <QString>
+
+/// The files that an object file was made from: its attribute "dependencies". Empty if the object does not
+/// say. Reads no more than it needs. Throws HException if the file can't be read or is no object file.
+DependencyList objectFileDependencies(const QString& path);

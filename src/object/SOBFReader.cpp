@@ -20,10 +20,6 @@ constexpr size_t usualBudget = 65536;
 
 constexpr const char* operandType = "bad object file: operand type error ";
 
-HString* intern(std::string_view text) {
-    return HString::intern(text.data(), static_cast<int>(text.size()), HString::AsIs);
-}
-
 [[noreturn]] void failOperand(const char* what) { throw HException(std::string(operandType) + what); }
 
 } // namespace
@@ -52,6 +48,12 @@ SOBFModule* SOBFReader::run(bool quick, std::ostream* trace) {
     if (m_savedPool)
         Pool::setCurrentPool(m_savedPool);
     return m_module;
+}
+
+std::optional<std::string_view> SOBFReader::readAttribute(std::string_view key) {
+    m_wantedKey = key;
+    release(run(true, nullptr));
+    return m_wantedText;
 }
 
 void SOBFReader::runProgram(std::ostream* trace) {
@@ -134,6 +136,10 @@ void SOBFReader::traceStack(std::ostream& trace) const {
 }
 
 void SOBFReader::failStack(const char* failure) { throw HException(failure); }
+
+HString* SOBFReader::intern(std::string_view text) {
+    return HString::intern(text.data(), static_cast<int>(text.size()), HString::AsIs);
+}
 
 SOBFObject* SOBFReader::materialize(Slot& slot) {
     if (slot.kind == Slot::Number)

@@ -5,6 +5,7 @@
 #include "object/SOBFTags.h"
 
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -46,6 +47,10 @@ public:
     SOBFModule* readFile(std::ostream* trace = nullptr) { return run(false, trace); }
     /// The same for what describes the module only.
     SOBFModule* readFileQuickly(std::ostream* trace = nullptr) { return run(true, trace); }
+    /// The text of one attribute of the module, by a quick read; nothing if there is no such module or
+    /// attribute. It lies in the stream: the names of what an object was made from are long and of no use to
+    /// anyone else, and interned they would stay for ever. Throws HException.
+    std::optional<std::string_view> readAttribute(std::string_view key);
     /// Frees everything that was read with the module; null is passed over.
     static void release(SOBFModule* module);
 
@@ -108,6 +113,7 @@ private:
     [[noreturn]] static void failStack(const char* failure);
     void pushNumber(int64_t value) { newSlot() = {Slot::Number, {.number = value}}; }
     int popInt() { return static_cast<int>(popConst()); }
+    static HString* intern(std::string_view text);
     static SOBFObject* materialize(Slot& slot);
     static const int64_t* numberIn(const Slot& slot);
     static bool isText(const Slot& slot);
@@ -220,6 +226,8 @@ private:
 
     const bool m_stickyLocus;
     bool m_quick = false;
+    std::string_view m_wantedKey; ///< the attribute that is not stored but told; null for none
+    std::optional<std::string_view> m_wantedText;
     bool m_afterBreak = false;
     int m_pc = -1;
     int m_stackAdjust = 0;

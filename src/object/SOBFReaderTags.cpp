@@ -70,7 +70,7 @@ void SOBFReader::runMarkerDef(uint8_t) {
     const std::string_view name = popBytes(true);
     SOBFMarker* marker = markerAt(index);
     if (name.data())
-        marker->name = HString::intern(name.data(), static_cast<int>(name.size()), HString::AsIs);
+        marker->name = intern(name);
     place(marker);
 }
 
@@ -151,8 +151,12 @@ void SOBFReader::runFunctionSymbol(uint8_t) {
 void SOBFReader::runLibrary(uint8_t) { m_module->libraries.set(popText(), true); }
 
 void SOBFReader::runAttribute(uint8_t) {
-    HString* value = popText();
-    m_module->attributes.set(popText(), value);
+    const std::string_view value = popBytes();
+    const std::string_view key = popBytes();
+    if (m_wantedKey.data() && key == m_wantedKey)
+        m_wantedText = value;
+    else
+        m_module->attributes.set(intern(key), intern(value));
 }
 
 void SOBFReader::runEndOfInfo(uint8_t) {

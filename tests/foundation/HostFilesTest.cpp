@@ -82,3 +82,34 @@ TEST_F(HostFiles, ReadsAPipeToItsEnd) {
     EXPECT_EQ(contents(at("pipe")), text);
     writer.join();
 }
+
+TEST_F(HostFiles, FilesFetchedAheadAreAsTheyAreOnDisk) {
+    QStringList names;
+    for (int i = 0; i < 300; ++i) {
+        names.append(QString::number(i));
+        if (i % 7 != 3)
+            files().replace(dir.path() + "/" + names.last(), "contents of " + std::to_string(i));
+    }
+    ASSERT_EQ(::mkfifo((dir.bytes() + "/3").c_str(), 0600), 0); // must stop nobody
+    files().expect(dir.path(), names);
+    for (int i = 0; i < 300; ++i) {
+        const QString path = dir.path() + "/" + names[i];
+        if (i == 3) {
+            EXPECT_EQ(files().status(path).kind, FileStatus::Other);
+        } else if (i % 7 == 3) {
+            EXPECT_FALSE(files().status(path).exists());
+            EXPECT_EQ(files().read(path).error, ENOENT);
+        } else {
+            const std::string expected = "contents of " + std::to_string(i);
+            EXPECT_EQ(files().status(path).size, static_cast<qint64>(expected.size()));
+            EXPECT_EQ(contents(path), expected);
+        }
+        if (i % 50 == 49 && (i + 1) % 7 != 3) {
+            files().replace(dir.path() + "/" + QString::number(i + 1), "new");
+            EXPECT_EQ(contents(dir.path() + "/" + QString::number(i + 1)), "new");
+            files().replace(dir.path() + "/" + QString::number(i + 1),
+                            "contents of " + std::to_string(i + 1));
+        }
+    }
+    files().expect(dir.path(), {});
+}

@@ -2,8 +2,7 @@
 #include "object/ObjectBytes.h"
 #include "support/MemoryFiles.h"
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+using ::testing::ElementsAreArray;
 
 namespace {
 
@@ -20,18 +19,22 @@ TEST(ObjectFileTest, DependenciesAreTheEntriesOfTheAttribute) {
     const std::string module = "09 09 09 4A 4F ";
     const struct {
         std::string contents;
-        QStringList dependencies;
+        std::vector<std::string_view> dependencies;
     } cases[] = {
         {smallest, {"a.h", "b.h"}},
         {ObjectBytes::bytes(module + "'dependencies' 'a.h;;b.h;' 51 66"), {"a.h", "b.h"}},
         {ObjectBytes::bytes(module + "'dependencies' '' 51 66"), {}},
+        {ObjectBytes::bytes(module + "'dependencies' ';;' 51 66"), {}},
         {ObjectBytes::bytes(module + "'others' 'a.h' 51 66"), {}},
-        {ObjectBytes::bytes(module + "'dependencies' '\xE4.h' 51 66 FF"), {QString(QChar(0xE4)) + ".h"}},
+        {ObjectBytes::bytes(module + "'dependencies' '\xE4.h' 51 66 FF"), {"\xE4.h"}},
         {"", {}},
     };
     for (const auto& each : cases) {
         disk.write("a.vko", each.contents);
-        EXPECT_EQ(objectFileDependencies("a.vko"), each.dependencies);
+        const DependencyList found = objectFileDependencies("a.vko");
+        EXPECT_THAT(std::vector<std::string_view>(found.begin(), found.end()),
+                    ElementsAreArray(each.dependencies));
+        EXPECT_EQ(found.isEmpty(), each.dependencies.empty());
     }
 }
 
