@@ -40,6 +40,10 @@ public:
     static constexpr size_t usualGrowthLimit = size_t{1} << 27;
     void setGrowthLimit(size_t bytes) { m_growthLimit = bytes; }
 
+protected:
+    /// Bytes that the last load has added to the document's own text.
+    size_t growth() const { return m_growth; }
+
 private:
     class Walk;
 
