@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             std::abort();
         QStringList command = words;
         QString errorText;
-        const bool isBuiltin = BuiltinCommands::builtinCommand("/project", command, errorText, nullptr);
+        const bool isBuiltin = BuiltinCommands::builtinCommand("/project", command, errorText);
         if ((!isBuiltin && !errorText.isEmpty()) || command.size() != words.size())
             std::abort();
         QString out;

@@ -1,21 +1,29 @@
 // Packages. The first byte of the input says what the rest is: a package file, or a container, which is then
 // put into the compressed form, so that the fuzzer gets behind the compression. It is read, updated, and read
-// again.
+// again; names that are fit for extraction lead nowhere else.
 
 #include "build/Archive2.h"
 #include "build/PackageFile.h"
 #include "foundation/Text.h"
+#include "query/PackageExtraction.h"
 #include "support/MemoryFiles.h"
 
 #include <QtGlobal>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <vector>
 
 namespace {
 
 using Member = std::pair<std::string, std::string>;
+
+bool staysBelow(const std::string& name) {
+    const std::filesystem::path root = "/root";
+    const std::filesystem::path path = root / name;
+    return path == path.lexically_normal() && path.string() == "/root/" + name;
+}
 
 /// False if the package holds a member whose data are not there.
 bool read(std::vector<Member>& members) {
@@ -25,6 +33,8 @@ bool read(std::vector<Member>& members) {
     archive.open(viewOf(image), "/p");
     quint64 bytes = 0;
     for (const ArchiveChunk2& chunk : archive.members()) {
+        if (PackageExtraction::objection(chunk.name).isNull() && !staysBelow(chunk.name.toStdString()))
+            std::abort();
         bytes += chunk.size;
         if (!chunk.data().data() || bytes > static_cast<quint64>(image.size()))
             return false;

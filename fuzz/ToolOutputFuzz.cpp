@@ -35,8 +35,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QStringList expected = plainly(bytes);
     if (lines != expected)
         std::abort();
-    for (const QString& line : lines)
+    QString printed;
+    for (const QString& line : lines) {
         if (line.isNull() != line.isEmpty())
             std::abort();
+        printed += line + "\n";
+    }
+    if (consoleLinesOf({bytes.data(), static_cast<qsizetype>(bytes.size())}) != toBytes(printed))
+        std::abort();
     return 0;
 }

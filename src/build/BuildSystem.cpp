@@ -1,11 +1,14 @@
 #include "build/BuildSystem.h"
 
 #include "build/Builder.h"
+#include "foundation/FileAccess.h"
+#include "foundation/Text.h"
 #include "macros/MacroSystem.h"
 #include "project/NodeMacros.h"
 #include "project/ProjectSystem.h"
 
 #include <QSet>
+#include <algorithm>
 #include <vector>
 
 BuildSystem* buildSystem = nullptr;
@@ -196,7 +199,12 @@ void BuildSystem::recordBuilt(const ProjectElement* element, const QString& conf
 
 void BuildSystem::carryOut(Builder* builder) {
     builder->doit();
+    forgetFiles();
+}
+
+void BuildSystem::forgetFiles() {
     m_fileTimes.forget();
+    files().forget();
 }
 
 // Up-to-date decisions.
@@ -210,7 +218,7 @@ void BuildSystem::because(const QString& reason, Builder* builder, bool quiet) {
 bool BuildSystem::exists(const QString& directory, const QString& file, QString& fullPath, QDateTime& time,
                          Builder* builder, bool quiet) {
     fullPath = FileTimes::resolved(directory, file);
-    const auto modified = m_fileTimes.modified(directory, file);
+    const auto modified = m_fileTimes.modified(directory, viewOf(toBytes(file)));
     if (!modified) {
         because(file + " does not exist.", builder, quiet);
         return false;
@@ -222,18 +230,30 @@ bool BuildSystem::exists(const QString& directory, const QString& file, QString&
 bool BuildSystem::upToDate(const QString& directory, const QString& output, const QDateTime& time,
                            const QStringList& dependencies, Builder* builder, bool quiet) {
     const qint64 seconds = time.toSecsSinceEpoch();
-    for (const QString& dependency : dependencies) {
-        const auto modified = m_fileTimes.modified(directory, dependency);
-        if (!modified) {
-            because(dependency + " does not exist.", builder, quiet);
+    return std::all_of(dependencies.begin(), dependencies.end(), [&](const QString& dependency) {
+        return isCurrent(directory, output, seconds, viewOf(toBytes(dependency)), builder, quiet);
+    });
+}
+
+bool BuildSystem::upToDate(const QString& directory, const QString& output, const QDateTime& time,
+                           const DependencyList& dependencies, Builder* builder, bool quiet) {
+    const qint64 seconds = time.toSecsSinceEpoch();
+    for (const std::string_view dependency : dependencies) {
+        if (!isCurrent(directory, output, seconds, dependency, builder, quiet))
             return false;
-        }
-        if (*modified > seconds) {
-            because(dependency + " is newer than " + output + ".", builder, quiet);
-            return false;
-        }
     }
     return true;
+}
+
+bool BuildSystem::isCurrent(const QString& directory, const QString& output, qint64 time,
+                            std::string_view dependency, Builder* builder, bool quiet) {
+    const auto modified = m_fileTimes.modified(directory, dependency);
+    if (modified && *modified <= time)
+        return true;
+    const QString name = toText(dependency);
+    because(modified ? QString(name + " is newer than " + output + ".") : QString(name + " does not exist."),
+            builder, quiet);
+    return false;
 }
 
 // Settings.

@@ -3,6 +3,7 @@
 #include "build/BuildFlags.h"
 #include "build/FileTimes.h"
 #include "macros/MacroScope.h"
+#include "object/DependencyList.h"
 #include "properties/Catalogue.h"
 
 #include <QDateTime>
@@ -76,6 +77,8 @@ public:
     /// `time`, which is the time of `output`. Whole seconds are compared.
     bool upToDate(const QString& directory, const QString& output, const QDateTime& time,
                   const QStringList& dependencies, Builder* builder, bool quiet);
+    bool upToDate(const QString& directory, const QString& output, const QDateTime& time,
+                  const DependencyList& dependencies, Builder* builder, bool quiet);
 
     /// Ends the build before its next step.
     void stop() { m_stopped = true; }
@@ -109,13 +112,15 @@ protected:
     /// Lets the builder carry out the command it was given.
     void carryOut(Builder* builder);
     /// Files may have changed.
-    void forgetFileTimes() { m_fileTimes.forget(); }
+    void forgetFiles();
 
 private:
     class ProjectWalk;
 
     using Step = std::pair<const ProjectElement*, QString>; ///< an element in a configuration
 
+    bool isCurrent(const QString& directory, const QString& output, qint64 time, std::string_view dependency,
+                   Builder* builder, bool quiet);
     bool buildPart(ProjectElement* element, const QString& config, Builder* builder, int flags);
     void recordBuilt(const ProjectElement* element, const QString& config, bool built);
 

@@ -1,6 +1,7 @@
 #include "build/BuiltinCommands.h"
 
 #include "build/Words.h"
+#include "docgen/DocGen.h"
 #include "foundation/FileAccess.h"
 #include "macros/Path.h"
 #include "macros/QTx.h"
@@ -11,7 +12,6 @@ struct Call {
     const QString& directory;
     const QStringList& words;
     QString& errorText;
-    DocumentationGenerator* generator;
 };
 
 void copyFile(const Call& call) {
@@ -23,12 +23,8 @@ void changeMode(const Call& call) {
 }
 
 void generate(const Call& call) {
-    if (!call.generator) {
-        call.errorText = "docgen failed: there is no documentation generator";
-        return;
-    }
-    call.generator->generateDocumentation(Path(getAbsPath(call.directory, call.words[1])),
-                                          getAbsPath(call.directory, call.words[2]));
+    DocGen::generateDocumentation(Path(getAbsPath(call.directory, call.words[1])),
+                                  getAbsPath(call.directory, call.words[2]));
 }
 
 void removeFile(const Call& call) { BuiltinCommands::rm(call.directory, call.words[1], call.errorText); }
@@ -72,15 +68,14 @@ QString quoted(const QString& text) { return "\"" + text + "\""; }
 
 } // namespace
 
-bool BuiltinCommands::builtinCommand(const QString& directory, QStringList& command, QString& errorText,
-                                     DocumentationGenerator* generator) {
+bool BuiltinCommands::builtinCommand(const QString& directory, QStringList& command, QString& errorText) {
     if (command.isEmpty())
         return false;
     for (const Keyword& keyword : keywords) {
         if (command[0] != QLatin1String(keyword.word))
             continue;
         if (command.size() > keyword.arguments)
-            keyword.carryOut({directory, command, errorText, generator});
+            keyword.carryOut({directory, command, errorText});
         else
             errorText = command[0] + " failed: " + QLatin1String(keyword.expected) + " expected";
         return true;

@@ -3,15 +3,6 @@
 #include <QString>
 #include <QStringList>
 
-class Path;
-
-/// Makes the pages that the command "docgen" asks for.
-class DocumentationGenerator {
-public:
-    virtual ~DocumentationGenerator() = default;
-    virtual void generateDocumentation(const Path& input, const QString& outputDirectory) = 0;
-};
-
 /// The commands that are carried out without a process, so that a project may copy and remove files on any
 /// machine. Each takes the directory against which its relative paths count. Nothing here throws or ends the
 /// process; what fails leaves a text for the user in `errorText`, which is not touched otherwise.
@@ -19,9 +10,8 @@ namespace BuiltinCommands {
 
 /// Carries `command` out if its first word is a keyword and the rest are its arguments; words behind those
 /// have no meaning. False if it is to be run as a process; then "xmldup" and "hdrgen" have become the full
-/// path of that program. `generator` serves "docgen", is not owned, and may be null.
-bool builtinCommand(const QString& directory, QStringList& command, QString& errorText,
-                    DocumentationGenerator* generator);
+/// path of that program.
+bool builtinCommand(const QString& directory, QStringList& command, QString& errorText);
 
 /// The command as a line for a shell, for those who write a build out instead of running it. With "xmldup"
 /// and "hdrgen" `out` is null. False, with `out` as it was, for what has no such line.

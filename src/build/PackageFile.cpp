@@ -20,6 +20,19 @@ quint32 packageTime(const FileStatus& status) {
     return static_cast<quint32>(std::clamp<qint64>(status.modified / 1'000'000'000, 0, UINT32_MAX));
 }
 
+/// The library warns of damaged data in words of its own, which change from release to release.
+class WithoutWarnings {
+public:
+    WithoutWarnings() = default;
+    ~WithoutWarnings() { qInstallMessageHandler(m_former); }
+    WithoutWarnings(const WithoutWarnings&) = delete;
+    WithoutWarnings& operator=(const WithoutWarnings&) = delete;
+
+private:
+    static void drop(QtMsgType, const QMessageLogContext&, const QString&) {}
+    QtMessageHandler m_former = qInstallMessageHandler(drop);
+};
+
 bool isSame(const FileStatus& a, const FileStatus& b) {
     return a.kind == b.kind && a.size == b.size && a.modified == b.modified && a.changed == b.changed;
 }
@@ -38,6 +51,7 @@ QTx::Decompressed QTx::decompress(std::string_view file, QByteArray& contents) {
         return Decompressed::NotCompressed;
     if (declared > Archive2::mostBytes || stream.size() > Archive2::mostBytes)
         return Decompressed::Refused;
+    const WithoutWarnings quiet;
     contents =
         qUncompress(reinterpret_cast<const uchar*>(stream.data()), static_cast<qsizetype>(stream.size()));
     return contents.isEmpty() ? Decompressed::NotCompressed : Decompressed::Ok;

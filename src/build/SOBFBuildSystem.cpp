@@ -226,7 +226,7 @@ bool SOBFBuildSystem::commandUpToDate(ProjectElement* element, const QString& co
            settingsUpToDate(testedSettings, element, config, time, action, builder, quiet);
 }
 
-QStringList SOBFBuildSystem::getObjectFileDependencies(const QString&, const QString&,
-                                                       const QString& objectFile) {
+DependencyList SOBFBuildSystem::getObjectFileDependencies(const QString&, const QString&,
+                                                          const QString& objectFile) {
     return objectFileDependencies(objectFile);
 }

@@ -13,8 +13,8 @@ public:
                           Builder* builder, bool quiet, bool clean) override;
     bool commandUpToDate(ProjectElement* element, const QString& config, const QDateTime& time,
                          BuildAction action, Builder* builder, bool quiet) override;
-    QStringList getObjectFileDependencies(const QString& directory, const QString& input,
-                                          const QString& objectFile) override;
+    DependencyList getObjectFileDependencies(const QString& directory, const QString& input,
+                                             const QString& objectFile) override;
     QString preprocess(ProjectElement* element, const QString& config, Builder* builder) override;
 
     /// Appends what ends the command of a step. False if no command is to run.

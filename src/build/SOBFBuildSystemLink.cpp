@@ -2,6 +2,7 @@
 
 #include "build/Builder.h"
 #include "build/CommandWords.h"
+#include "build/LinkPlacement.h"
 #include "build/OutputNames.h"
 #include "build/SOBFBuildSystem.h"
 #include "macros/Path.h"
@@ -69,6 +70,15 @@ bool appendHeap(CommandWords& command) {
     return true;
 }
 
+/// Where the sections go, for the linker reads no file that tells it.
+bool appendPlacement(CommandWords& command) {
+    LinkPlacement placement;
+    if (!placement.load(command.system, command.element, command.config, *command.builder))
+        return false;
+    command.words += placement.words();
+    return true;
+}
+
 using W = CommandWords;
 constexpr unsigned links = 1U << StandardBuildSystem::Link;
 constexpr auto always = [](CommandRow::Words words) { return CommandRow::always(links, words); };
@@ -113,6 +123,7 @@ constexpr CommandRow linkRows[] = {
     always([](W& w) { return w.appendList("-D", link_symbol_definitions, false), true; }),
     always(appendHeap),
     always([](W& w) { return w.appendExpandedList("", linker_additional_options), true; }),
+    always(appendPlacement),
     always([](W& w) { return w.appendList("-K", linker_keep_symbols, false), true; }),
     is(
         linker_map_file, "Yes",
@@ -163,6 +174,8 @@ void SOBFBuildSystem::runLink(const CommandWords& command, const QString& fullOu
         return;
     if (command.setting(linker_map_file) == "Yes")
         builder->setOutputFiles({fullStem + ".map"}); // the linker has written it, and nothing runs
+    if (halted())
+        return;
     const auto run = [&](const QStringList& words, const QString& file) {
         builder->setCommand(words);
         builder->setOutputFiles({file});

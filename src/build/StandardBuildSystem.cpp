@@ -7,8 +7,10 @@
 #include "build/BuiltinCommands.h"
 #include "build/Words.h"
 #include "foundation/FileAccess.h"
+#include "foundation/Text.h"
 #include "macros/Path.h"
 #include "macros/QTx.h"
+#include "memorymap/MemoryMapOpenFiles.h"
 #include "project/ProjectSystem.h"
 
 StandardBuildSystem* standardBuildSystem = nullptr;
@@ -26,7 +28,7 @@ StandardBuildSystem::~StandardBuildSystem() {
 }
 
 bool StandardBuildSystem::builtinCommand(const QString& directory, QStringList& command, QString& errorText) {
-    return BuiltinCommands::builtinCommand(directory, command, errorText, m_documentation);
+    return BuiltinCommands::builtinCommand(directory, command, errorText);
 }
 
 // Actions.
@@ -66,6 +68,17 @@ StandardBuildSystem::BuildAction actionOf(std::span<const ActionRow> rows, const
 
 StandardBuildSystem::BuildAction StandardBuildSystem::buildAction(ProjectElement* element,
                                                                   const QString& config) {
+    return config == m_knownConfig ? known(element).action : findAction(element, config);
+}
+
+StandardBuildSystem::KnownNode& StandardBuildSystem::known(ProjectElement* element) {
+    const auto found = m_known.find(element);
+    return found != m_known.end() ? *found
+                                  : *m_known.insert(element, {findAction(element, m_knownConfig), {}});
+}
+
+StandardBuildSystem::BuildAction StandardBuildSystem::findAction(ProjectElement* element,
+                                                                 const QString& config) const {
     if (element->is(ProjectElement::Project))
         return actionOf(projectActions, projectSystem->getProjectType(element), Link);
     if (!element->is(ProjectElement::File))
@@ -109,10 +122,20 @@ QString StandardBuildSystem::output(ProjectElement* element, const QString& conf
 
 QString StandardBuildSystem::output(BuildAction action, ProjectElement* element, const QString& config,
                                     bool absolute) {
-    const QString text = replaceMacros(element, outputText(action, element, config), config);
+    const QString text = findOutput(action, element, config);
     if (!absolute || text.isEmpty() || Path::isAbsolute(text))
         return text;
     return projectSystem->projectDirectoryPath(projectSystem->projectContaining(element)) + "/" + text;
+}
+
+/// The output as its setting names it; null if the step makes none.
+QString StandardBuildSystem::findOutput(BuildAction action, ProjectElement* element, const QString& config) {
+    KnownNode* node = config == m_knownConfig ? &known(element) : nullptr;
+    if (!node || node->action != action)
+        return replaceMacros(element, outputText(action, element, config), config);
+    if (!node->output)
+        node->output = replaceMacros(element, outputText(action, element, config), config);
+    return *node->output;
 }
 
 /// The output as its setting writes it; null if the step makes none.
@@ -150,7 +173,7 @@ void StandardBuildSystem::cleanFile(const QString& path, bool quiet, Builder* bu
     if (!files().status(path).exists())
         return;
     const bool removed = files().remove(path) == 0;
-    forgetFileTimes();
+    forgetFiles();
     if (quiet || !builder)
         return;
     if (removed)
@@ -244,13 +267,28 @@ bool StandardBuildSystem::linkerFile(ProjectElement* element, const QString& con
         path = file->path().filePath();
         return true;
     }
-    path = settingForExpanded(element, setting, config);
+    path = settingFor(element, setting, config);
     if (path.isEmpty())
         return false;
+    path = replaceMacros(element, path, config);
     if (files().status(path).exists())
         return true;
     path = projectSystem->projectDirectoryPath(projectSystem->projectContaining(element)) + "/" + path;
     return files().status(path).exists();
+}
+
+std::shared_ptr<MemoryMap> StandardBuildSystem::getMemoryMapFileForLink(ProjectElement* element,
+                                                                        const QString& config,
+                                                                        const QString& path) const {
+    const QString macros = settingFor(element, Setting::linker_memory_map_macros, config);
+    return memoryMapOpenFiles.getMemoryMapFile(path, macros, true);
+}
+
+std::shared_ptr<MemoryMap> StandardBuildSystem::getSectionPlacementFileForLink(ProjectElement* element,
+                                                                               const QString& config,
+                                                                               const QString& path) const {
+    const QString macros = settingFor(element, Setting::linker_section_placement_macros, config);
+    return memoryMapOpenFiles.getMemoryMapFile(path, macros, true);
 }
 
 /// The files that say where a link puts its parts: a script, or else memory map and section placement.
@@ -278,9 +316,12 @@ void StandardBuildSystem::getDependencies(ProjectElement* element, const QString
         const QString full = output(action, element, config, true);
         element->checkDoFileStuff();
         if (files().status(full).exists()) {
-            found = sourceDependencies(element, full);
-            m_dependencyCache.store(full, found);
-        } else {
+            const DependencyList dependencies = sourceDependencies(element, full);
+            m_dependencyCache.insert(full, dependencies);
+            for (const std::string_view dependency : dependencies)
+                found.append(toText(dependency));
+        }
+        if (found.isEmpty()) {
             found.append(element->path().canonicalPathQString());
         }
     } else if (action == Link) {

@@ -2,13 +2,13 @@
 
 #include "build/BuildSystem.h"
 #include "build/CommandHost.h"
-#include "build/DependencyCache.h"
 #include "build/PackageFile.h"
 #include "properties/BuildOptions.h"
 
+#include <memory>
 #include <span>
 
-class DocumentationGenerator;
+class MemoryMap;
 
 /// The middle of the engine, the sequence of a build: what kind of step each node needs, in which order steps
 /// run, what goes in and what comes out, when a step can be skipped, and which user commands run around it.
@@ -54,13 +54,11 @@ public:
                                  BuildAction action, Builder* builder, bool quiet);
     /// What an object file was made from, as it tells itself; empty if it does not tell. Throws HException if
     /// it can't be read.
-    virtual QStringList getObjectFileDependencies(const QString& directory, const QString& input,
-                                                  const QString& objectFile) = 0;
+    virtual DependencyList getObjectFileDependencies(const QString& directory, const QString& input,
+                                                     const QString& objectFile) = 0;
 
     /// The settings that the tool properties file adds.
     const PropertyLists::ToolProperties& toolProperties() const { return m_options.tools; }
-    /// Who carries out the command "docgen"; null for nobody. Not owned.
-    void setDocumentationGenerator(DocumentationGenerator* generator) { m_documentation = generator; }
     bool builtinCommand(const QString& directory, QStringList& command, QString& errorText) override;
     void commandFailed() override { setFailed(); }
 
@@ -78,6 +76,11 @@ public:
     /// Whether a link has such a file, and where it is.
     bool useMemoryMapFileForLink(ProjectElement* element, const QString& config, QString& path);
     bool useSectionPlacementFileForLink(ProjectElement* element, const QString& config, QString& path);
+    /// That file, loaded with the macros that the project states for it; null if it can't be loaded.
+    std::shared_ptr<MemoryMap> getMemoryMapFileForLink(ProjectElement* element, const QString& config,
+                                                       const QString& path) const;
+    std::shared_ptr<MemoryMap> getSectionPlacementFileForLink(ProjectElement* element, const QString& config,
+                                                              const QString& path) const;
     /// Removes an output.
     void cleanFile(const QString& path, bool quiet, Builder* builder);
 
@@ -109,10 +112,21 @@ private:
 
     static const TestedSetting testedSettings[];
 
+    /// What the walks of one build ask of a node again and again: for the count of steps, its own step, and
+    /// the link that it goes into.
+    struct KnownNode {
+        BuildAction action;
+        std::optional<QString> output; ///< as its setting names it, once it was asked for
+    };
+
+    KnownNode& known(ProjectElement* element);
+    BuildAction findAction(ProjectElement* element, const QString& config) const;
+    QString findOutput(BuildAction action, ProjectElement* element, const QString& config);
+    void expectObjects(ProjectElement* element, const QString& config);
     bool platformBuild1(ProjectElement* element, const QString& config, Builder* builder, int flags);
     bool isIncluded(ProjectElement* element, const QString& config) const;
     QString outputText(BuildAction action, ProjectElement* element, const QString& config) const;
-    QStringList sourceDependencies(ProjectElement* element, const QString& full);
+    DependencyList sourceDependencies(ProjectElement* element, const QString& full);
     void appendLinkInputs(ProjectElement* project, const QList<ProjectElement*>& dependencies,
                           const QString& config, bool absolute, QStringList& list);
     bool linkerFile(ProjectElement* element, const QString& config, const QString& type, Setting setting,
@@ -125,8 +139,11 @@ private:
 
     const BuildOptions m_options;
     PackageUpdater m_packages;
-    DocumentationGenerator* m_documentation = nullptr;
-    DependencyCache m_dependencyCache;
+    QHash<QString, DependencyList>
+        m_dependencyCache; ///< of objects that were up to date, by their full paths
+    /// Of the nodes of the build in hand, in its configuration; no setting changes while it runs.
+    QHash<const ProjectElement*, KnownNode> m_known;
+    QString m_knownConfig;               ///< null outside a build
     ProjectElement* m_lastDue = nullptr; ///< the node whose step was found due last
     QString m_projectDirectory;          ///< what outputs and dependencies of the project in hand count from
 };

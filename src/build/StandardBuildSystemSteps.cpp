@@ -6,10 +6,13 @@
 #include "build/StandardBuildSystem.h"
 #include "build/StepListener.h"
 #include "build/Words.h"
+#include "foundation/FileAccess.h"
 #include "macros/MacroSystem.h"
 #include "macros/Path.h"
 #include "project/ProjectSystem.h"
 #include "properties/PropertyValueGroups.h"
+
+#include <QScopeGuard>
 
 /// Why a node is due whatever its files say: the first cause that was met.
 struct StandardBuildSystem::Force {
@@ -68,7 +71,8 @@ private:
 
     void begin();
     void look();
-    bool filesCurrent(const QStringList& dependencies);
+    template<typename Names = QStringList>
+    bool filesCurrent(const Names& dependencies);
     bool commandCurrent();
     bool sourceCurrent();
     bool upToDate(const char* end = "' is up to date");
@@ -102,13 +106,30 @@ private:
 
 bool StandardBuildSystem::platformBuild(ProjectElement* element, const QString& config, Builder* builder,
                                         int flags) {
+    m_knownConfig = config;
+    const auto forget = qScopeGuard([this] {
+        m_knownConfig = QString();
+        m_known.clear();
+    });
     if (element->is(ProjectElement::Project) && builder)
         builder->setTotalSteps(element, countJobs(element, config, flags));
     m_projectDirectory = projectSystem->projectDirectoryPath(projectSystem->projectContaining(element));
     const QString groupFile = settingForExpanded(element, Setting::property_groups_file_path, config);
     if (!groupFile.isEmpty())
         propertyValueGroups.setGroupFile(groupFile);
+    if (!(flags & (BuildFlags::Force | BuildFlags::ThisNodeOnly)))
+        expectObjects(element, config);
     return platformBuild1(element, config, builder, flags);
+}
+
+/// Lets the objects be fetched, which will all be looked at in this order.
+void StandardBuildSystem::expectObjects(ProjectElement* element, const QString& config) {
+    QStringList names;
+    for (ProjectElement* node = element; node; node = node->nextInTree(element)) {
+        if (const BuildAction action = buildAction(node, config); isSource(action))
+            names.append(output(action, node, config, false));
+    }
+    files().expect(m_projectDirectory, names);
 }
 
 bool StandardBuildSystem::platformBuild1(ProjectElement* element, const QString& config, Builder* builder,
@@ -182,7 +203,8 @@ void StandardBuildSystem::Step::look() {
         m_system.exists(m_system.m_projectDirectory, m_output, m_fullOutput, m_time, m_builder, m_quiet);
 }
 
-bool StandardBuildSystem::Step::filesCurrent(const QStringList& dependencies) {
+template<typename Names>
+bool StandardBuildSystem::Step::filesCurrent(const Names& dependencies) {
     return m_system.upToDate(m_system.m_projectDirectory, m_output, m_time, dependencies, m_builder, m_quiet);
 }
 
@@ -272,21 +294,23 @@ bool StandardBuildSystem::Step::source() {
 }
 
 bool StandardBuildSystem::Step::sourceCurrent() {
-    const QStringList dependencies = m_system.sourceDependencies(m_element, m_fullOutput);
-    if (!filesCurrent(dependencies) || !commandCurrent())
+    const DependencyList dependencies = m_system.sourceDependencies(m_element, m_fullOutput);
+    const bool isCurrent = dependencies.isEmpty() ? filesCurrent({m_element->path().canonicalPathQString()})
+                                                  : filesCurrent(dependencies);
+    if (!isCurrent || !commandCurrent())
         return false;
-    m_system.m_dependencyCache.store(m_fullOutput, dependencies);
+    m_system.m_dependencyCache.insert(m_fullOutput, dependencies);
     return true;
 }
 
-/// What an object file was made from; as long as nothing tells, the source file alone.
-QStringList StandardBuildSystem::sourceDependencies(ProjectElement* element, const QString& full) {
-    QStringList dependencies = m_dependencyCache.find(full);
-    if (!dependencies.isEmpty())
-        return dependencies;
+/// What an object file was made from. As long as nothing tells, the list is empty, and the source file alone
+/// counts.
+DependencyList StandardBuildSystem::sourceDependencies(ProjectElement* element, const QString& full) {
     element->checkDoFileStuff();
-    dependencies = getObjectFileDependencies(m_projectDirectory, element->relativeName(), full);
-    return dependencies.isEmpty() ? QStringList(element->path().canonicalPathQString()) : dependencies;
+    const auto known = m_dependencyCache.constFind(full);
+    return known != m_dependencyCache.cend()
+               ? *known
+               : getObjectFileDependencies(m_projectDirectory, element->relativeName(), full);
 }
 
 // Projects that others build.
@@ -431,7 +455,7 @@ void StandardBuildSystem::Step::updatePackage(const MacroMap& macros, bool repla
     PackageMessages messages(*m_builder);
     m_system.m_packages.addToRemoveFromArchive(m_system.m_projectDirectory, package, member, m_fullOutput,
                                                &messages, m_quiet, replace);
-    m_system.forgetFileTimes();
+    m_system.forgetFiles();
 }
 
 bool StandardBuildSystem::Step::combine() {

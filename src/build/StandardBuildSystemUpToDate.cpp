@@ -147,14 +147,13 @@ bool StandardBuildSystem::settingUpToDate(ProjectElement* element, const Propert
 
 /// Whether any setting that the node sees was changed in this run.
 bool StandardBuildSystem::anySettingChanged(ProjectElement* element, const QString& config) const {
-    const Symbol common = Symbol::find(QString("Common"));
-    const Symbol named = Symbol::find(config);
+    const Symbol named = Symbol::findConfiguration(config);
     const ProjectElement* solution = projectSystem->solutionContaining(element);
     const auto isChanged = [](const ProjectElement* holder) { return holder && holder->modified(); };
     for (; element; element = element->parent()) {
         if (!element->hasConfigurations())
             continue;
-        if (isChanged(element->configuration(named)) || isChanged(element->configuration(common)))
+        if (isChanged(element->configuration(named)) || isChanged(element->configuration(Symbol::common())))
             return true;
         if (!solution)
             continue;

@@ -4,30 +4,20 @@
 #include "driver/Interruption.h"
 #include "driver/ProcessExit.h"
 #include "driver/Spawn.h"
+#include "driver/ToolOutput.h"
 #include "foundation/Text.h"
 #include "macros/Path.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <utility>
 
 namespace {
 
 void makeDirectoriesOf(const QStringList& files) {
     for (const QString& file : files)
         Path::ensureDirExists(file);
-}
-
-/// Lines of a tool as the console takes them: no indentation, every byte.
-QByteArray rawText(const QStringList& lines) {
-    qsizetype size = 0;
-    for (const QString& line : lines)
-        size += line.size() + 1;
-    QByteArray text;
-    text.reserve(size);
-    for (const QString& line : lines)
-        text.append(toBytes(line)).append('\n');
-    return text;
 }
 
 bool isTheSame(const FileStatus& a, const FileStatus& b) {
@@ -69,6 +59,7 @@ void OstmakeBuilder::doit() {
     if (!m_host.builtinCommand(m_directory, m_command, errorText)) {
         runTool();
     } else if (!errorText.isEmpty()) {
+        Interruption::letThrough();
         printLine(errorText);
         m_host.commandFailed();
     }
@@ -77,18 +68,13 @@ void OstmakeBuilder::doit() {
 
 void OstmakeBuilder::runTool() {
     const std::vector<OutputFile> outputs = outputsBefore();
-    QStringList outLines;
-    QStringList errLines;
+    QTx::ToolStreams streams;
     int startError = 0;
-    const int result =
-        QTx::spawnProcess(m_command, true, m_directory, false, &outLines, &errLines, true, &startError);
-    QStringList removed;
-    if (Interruption::signal() != 0) {
-        removed = removeBegun(outputs);
-        Interruption::letThrough(); // the console may be slow; a second signal need not wait for it
-    }
-    m_console.print(rawText(errLines));
-    m_console.print(rawText(outLines));
+    const int result = QTx::spawnProcess(m_command, m_directory, streams, startError);
+    const QStringList removed = Interruption::signal() != 0 ? removeBegun(outputs) : QStringList();
+    Interruption::letThrough(); // no signal need wait for the console, which may be slow or stand still
+    m_console.print(consoleLinesOf(std::exchange(streams.err, {})));
+    m_console.print(consoleLinesOf(std::exchange(streams.out, {})));
     for (const QString& path : removed)
         printLine("interrupted, removed \"" + path + "\"");
     if (result == 0 || Interruption::signal() != 0)

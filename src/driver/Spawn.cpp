@@ -73,10 +73,10 @@ public:
         }
     }
 
-    /// The lines of all that was taken, which is forgotten: there may be much of it.
-    QStringList takeLines() {
-        const QByteArray bytes = std::exchange(m_bytes, {});
-        return linesOf(viewOf(bytes).substr(0, static_cast<size_t>(std::exchange(m_size, 0))));
+    /// All that was taken, which is then forgotten: there may be much of it.
+    QByteArray bytes() {
+        m_bytes.truncate(std::exchange(m_size, 0));
+        return std::exchange(m_bytes, {});
     }
 
 private:
@@ -240,43 +240,60 @@ pid_t startWith(const QStringList& words, const QString& directory, const Stream
                         error);
 }
 
-} // namespace
-
-int QTx::spawnProcess(const QStringList& words, bool wait, const QString& directory, bool,
-                      QStringList* outLines, QStringList* errLines, bool, int* startError) {
+/// Runs a program; the result is that of spawnProcess. Without streams there is no capture.
+int run(const QStringList& words, bool wait, const QString& directory, QTx::ToolStreams* streams,
+        int& startError) {
     volatile int error = 0;
     int result = -1;
     const auto tellError = [&] {
-        if (startError)
-            *startError = error;
+        startError = error;
         return result;
     };
     Stream out;
     Stream err;
-    const bool isCaptured = outLines && errLines;
     if (words.isEmpty() || words[0].isEmpty()) {
         error = ENOENT;
         return tellError();
     }
-    if (isCaptured && !(out.open() && err.open())) {
+    if (streams && !(out.open() && err.open())) {
         error = errno;
         return tellError();
     }
 
     const Interruption interruption;
     keepStatusesOfChildren();
-    const pid_t child = startWith(words, directory, out, err, isCaptured, error);
+    const pid_t child = startWith(words, directory, out, err, streams != nullptr, error);
     out.closeWriteEnd();
     err.closeWriteEnd();
     if (child < 0)
         return tellError();
     Process process(child, out, err);
-    if (isCaptured || wait)
+    if (streams || wait)
         process.listen(wait);
-    if (isCaptured) {
-        *outLines = out.takeLines();
-        *errLines = err.takeLines();
-    }
+    if (streams)
+        *streams = {out.bytes(), err.bytes()};
     result = wait ? process.wait() : process.waitBriefly();
     return tellError();
+}
+
+} // namespace
+
+int QTx::spawnProcess(const QStringList& words, bool wait, const QString& directory, bool,
+                      QStringList* outLines, QStringList* errLines, bool, int* startError) {
+    ToolStreams streams;
+    const bool isCaptured = outLines && errLines;
+    int error = 0;
+    const int result = run(words, wait, directory, isCaptured ? &streams : nullptr, error);
+    if (startError)
+        *startError = error;
+    if (isCaptured) {
+        *outLines = linesOf(viewOf(std::exchange(streams.out, {})));
+        *errLines = linesOf(viewOf(std::exchange(streams.err, {})));
+    }
+    return result;
+}
+
+int QTx::spawnProcess(const QStringList& words, const QString& directory, ToolStreams& streams,
+                      int& startError) {
+    return run(words, true, directory, &streams, startError);
 }

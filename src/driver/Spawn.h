@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QStringList>
 
 namespace QTx {
@@ -21,5 +22,15 @@ namespace QTx {
 /// has left behind, is not waited for. The two flags have no effect on this platform.
 int spawnProcess(const QStringList& words, bool wait, const QString& directory, bool flag,
                  QStringList* outLines, QStringList* errLines, bool flag2, int* startError = nullptr);
+
+/// What a program has written, byte for byte.
+struct ToolStreams {
+    QByteArray out;
+    QByteArray err;
+};
+
+/// Runs a program to its end and captures its streams, like spawnProcess. Lines cost memory each, and a tool
+/// may write millions; here they stay what they are.
+int spawnProcess(const QStringList& words, const QString& directory, ToolStreams& streams, int& startError);
 
 } // namespace QTx

@@ -3,6 +3,7 @@
 #include "foundation/Text.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -42,4 +43,29 @@ QStringList linesOf(std::string_view bytes) {
         start = end + (isEnded && bytes[end] == '\r' ? 2 : 1);
     }
     return lines;
+}
+
+// A newline is an end of line already, so only carriage returns and the end of the text change anything.
+QByteArray consoleLinesOf(QByteArray bytes) {
+    qsizetype from = bytes.indexOf('\r');
+    qsizetype to = from;
+    while (from >= 0 && from < bytes.size()) {
+        bytes[to++] = '\n';
+        from += 2; // the byte behind goes too
+        if (from >= bytes.size())
+            break;
+        const qsizetype next = bytes.indexOf('\r', from);
+        const qsizetype end = next < 0 ? bytes.size() : next;
+        std::memmove(bytes.data() + to, bytes.constData() + from, static_cast<size_t>(end - from));
+        to += end - from;
+        from = end;
+    }
+    if (to >= 0)
+        bytes.truncate(to);
+    const qsizetype rest = bytes.size() - 1 - bytes.lastIndexOf('\n');
+    if (rest == 1)
+        bytes.chop(1);
+    else if (rest > 1)
+        bytes.append('\n');
+    return bytes;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QStringList>
 #include <string_view>
 
@@ -7,3 +8,6 @@
 /// byte behind it, whatever that is. A line is null if it is empty. What stands behind the last line end is a
 /// line if it has at least two bytes.
 QStringList linesOf(std::string_view bytes);
+
+/// The same lines as the console takes them, each with a newline, put together in the bytes given.
+QByteArray consoleLinesOf(QByteArray bytes);

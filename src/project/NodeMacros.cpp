@@ -105,7 +105,8 @@ struct NodeMacros::Row {
 
     static const Row rows[];
     static const Row* end();
-    static const Row* find(QStringView wanted) {
+    template<typename Name>
+    static const Row* find(Name wanted) {
         return std::find_if(rows, end(), [&](const Row& row) { return row.name == wanted; });
     }
 };
@@ -159,7 +160,7 @@ NodeMacros::NodeMacros(const ProjectSystem& system, ProjectElement* element, con
 std::optional<QString> NodeMacros::value(const QString& name) const { return valueBefore(Row::end(), name); }
 
 std::optional<QString> NodeMacros::valueBefore(const Row* end, const QString& name) const {
-    if (const Row* row = Row::find(name); row < end) {
+    if (const Row* row = Row::find(QStringView(name)); row < end) {
         if (const auto text = row->text(*this))
             return text;
     }
@@ -177,7 +178,7 @@ const MacroMap& NodeMacros::underlying() const {
 }
 
 QString NodeMacros::expanded(const char* before, Setting setting) const {
-    return MacroSystem::replaceMacros(Before(*this, Row::find(QString(before))),
+    return MacroSystem::replaceMacros(Before(*this, Row::find(QLatin1String(before))),
                                       m_system.settingFor(m_element, setting, m_configName));
 }
 

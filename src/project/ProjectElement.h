@@ -111,8 +111,8 @@ public:
     const QString& projectDir() const { return fileStuff().projectDir; }
     /// The file name as written, macros expanded; the absolute path if that is absolute.
     const QString& relativeName() const { return fileStuff().relativeName; }
-    bool inProjectDir() const { return fileStuff().inProjectDir; }
-    bool underProjectDir() const { return fileStuff().underProjectDir; }
+    bool inProjectDir() const;
+    bool underProjectDir() const;
     /// Makes `path` the file of a solution, modified at that time.
     void setSolutionFile(const QString& path, const QDateTime& lastModified);
     /// The directory of the nearest solution's file, absolute.
@@ -140,8 +140,6 @@ private:
         QString projectDir;
         QString relativeName;
         QString fileTypeCache;
-        bool inProjectDir = false;
-        bool underProjectDir = false;
     };
     struct SolutionStuff {
         ElementMap projects;

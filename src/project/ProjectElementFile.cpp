@@ -69,11 +69,16 @@ void ProjectElement::placeFile() {
     } else {
         file.projectDir = solutionDirectory();
     }
+    static const Symbol nameAttribute = Symbol::of(QString("file_name"));
+    const Attribute* stated = find(nameAttribute);
     const QString name = MacroSystem::replaceMacros(LazyScope([] { return macroSystem.globalMacros(true); }),
-                                                    attribute("file_name"));
+                                                    stated ? stated->value : QString());
     file.path.setPath(Path::isAbsolute(name) ? name : file.projectDir + "/" + name);
     file.relativeName = Path::isAbsolute(name) ? file.path.filePath() : name;
-    const QString projectDirectory = Path::normalised(file.projectDir);
-    file.inProjectDir = file.path.dirPath(false) == projectDirectory;
-    file.underProjectDir = file.path.dirPath(true).startsWith(projectDirectory);
+}
+
+bool ProjectElement::inProjectDir() const { return path().dirPath(false) == Path::normalised(projectDir()); }
+
+bool ProjectElement::underProjectDir() const {
+    return path().dirPath(true).startsWith(Path::normalised(projectDir()));
 }

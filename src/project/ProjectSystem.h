@@ -85,6 +85,8 @@ public:
     /// Only what the element itself states in this configuration; null if nothing.
     QString specificSettingFor(ProjectElement* element, const PropertyClass& propertyClass,
                                const QString& configName) const;
+    /// Only what the element itself states in "Common"; null if nothing.
+    static QString commonSettingFor(const ProjectElement* element, Setting setting);
     /// The project's own "project_type"; null if it states none.
     QString getProjectType(ProjectElement* project) const;
     /// The platform of an element, or of the program for null.

@@ -10,8 +10,8 @@ public:
     void appendLinkerProperties(PropertyClassList& list) const override;
     void appendArchiverProperties(PropertyClassList& list) const override;
 
-    QString objectFileExtension() const override { return ".vko"; }
-    QString libraryFileExtension() const override { return ".vka"; }
-    QString executableFileExtension() const override { return ".vkx"; }
+    QString objectFileExtension() const override { return QStringLiteral(".vko"); }
+    QString libraryFileExtension() const override { return QStringLiteral(".vka"); }
+    QString executableFileExtension() const override { return QStringLiteral(".vkx"); }
     QString assemblyCodeFileExtension() const override;
 };

@@ -19,12 +19,21 @@
 
 #include <QVarLengthArray>
 #include <algorithm>
+#include <array>
 
 namespace {
 
-Symbol commonSymbol() {
-    static const Symbol common = Symbol::of(QString("Common"));
-    return common;
+/// The symbol of a setting's name; null if no attribute has this name anywhere.
+Symbol settingSymbol(Setting setting) {
+    struct Known {
+        Symbol symbol;
+        size_t symbolCount = 0; ///< how many there were when it was looked for
+    };
+    static std::array<Known, settingCount> known;
+    Known& entry = known[static_cast<size_t>(setting)];
+    if (!entry.symbol && entry.symbolCount != Symbol::count())
+        entry = {Symbol::find(propertyClass(setting).saveName()), Symbol::count()};
+    return entry.symbol;
 }
 
 /// The configurations that one configuration inherits from, as seen from a node: the list of the nearest
@@ -65,16 +74,18 @@ const std::vector<Symbol> InheritedNames::none;
 /// One search for one setting.
 class Search {
 public:
-    Search(const PropertyClass& propertyClass, PropertyInheritanceInformation* info, SettingOrigins* origins)
+    /// `property` is the symbol of the class's save name.
+    Search(const PropertyClass& propertyClass, Symbol property, PropertyInheritanceInformation* info,
+           SettingOrigins* origins)
         : m_class(propertyClass),
-          m_property(Symbol::find(propertyClass.saveName())),
+          m_property(property),
           m_isList(propertyClass.type() == PropertyClass::StringList),
           m_info(info),
           m_origins(origins) {}
 
     QString run(ProjectElement* element, const QString& configName) {
         if (m_property) // else no attribute has this name anywhere
-            walk(element, Symbol::find(configName), configName == "Common");
+            walk(element, Symbol::findConfiguration(configName));
         if (!m_hits.isEmpty())
             return gathered();
         if (m_info)
@@ -85,7 +96,8 @@ public:
     }
 
 private:
-    void walk(ProjectElement* element, Symbol configuration, bool isCommon) {
+    void walk(ProjectElement* element, Symbol configuration) {
+        const bool isCommon = configuration == Symbol::common();
         InheritedNames names(configuration);
         for (; element; element = element->parent()) {
             if (element->hasConfigurations()) {
@@ -103,7 +115,7 @@ private:
             if (look(element, name, m_info))
                 return true;
         }
-        return look(element, commonSymbol(), nullptr);
+        return look(element, Symbol::common(), nullptr);
     }
 
     /// Whether the search ends with what the element states in this configuration.
@@ -150,11 +162,12 @@ private:
 QString ProjectSystem::settingFor(ProjectElement* element, const PropertyClass& propertyClass,
                                   const QString& configName, PropertyInheritanceInformation* info,
                                   SettingOrigins* origins) const {
-    return Search(propertyClass, info, origins).run(element, configName);
+    return Search(propertyClass, Symbol::find(propertyClass.saveName()), info, origins)
+        .run(element, configName);
 }
 
 QString ProjectSystem::settingFor(ProjectElement* element, Setting setting, const QString& configName) const {
-    return settingFor(element, propertyClass(setting), configName);
+    return Search(propertyClass(setting), settingSymbol(setting), nullptr, nullptr).run(element, configName);
 }
 
 QString ProjectSystem::settingForExpanded(ProjectElement* element, const PropertyClass& propertyClass,
@@ -165,7 +178,8 @@ QString ProjectSystem::settingForExpanded(ProjectElement* element, const Propert
 
 QString ProjectSystem::settingForExpanded(ProjectElement* element, Setting setting,
                                           const QString& configName) const {
-    return settingForExpanded(element, propertyClass(setting), configName);
+    return MacroSystem::replaceMacros(NodeMacros(*this, element, configName),
+                                      settingFor(element, setting, configName));
 }
 
 QString ProjectSystem::specificSettingFor(ProjectElement* element, const PropertyClass& propertyClass,
@@ -175,8 +189,13 @@ QString ProjectSystem::specificSettingFor(ProjectElement* element, const Propert
     return value;
 }
 
+QString ProjectSystem::commonSettingFor(const ProjectElement* element, Setting setting) {
+    const QString* value = element->statedValue(Symbol::common(), settingSymbol(setting));
+    return value ? *value : QString();
+}
+
 QString ProjectSystem::getProjectType(ProjectElement* project) const {
-    return specificSettingFor(project, propertyClass(Setting::project_type), "Common");
+    return commonSettingFor(project, Setting::project_type);
 }
 
 QString ProjectSystem::platform(ProjectElement* element) const {

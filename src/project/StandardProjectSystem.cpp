@@ -157,8 +157,8 @@ void StandardProjectSystem::appendPart(PropertyLists::Part part, PropertyClassLi
 }
 
 QString StandardProjectSystem::getFileType(ProjectElement* file) {
-    const QString stated = specificSettingFor(file, propertyClass(file_type), "Common");
-    if (!stated.isEmpty() && stated != "Default")
+    const QString stated = commonSettingFor(file, file_type);
+    if (!stated.isEmpty() && stated != QLatin1String("Default"))
         return stated;
     if (file->fileTypeCache().isEmpty()) {
         const QString type = typeByExtension(file);
@@ -197,7 +197,9 @@ QString typeOf(const TypeRow (&rows)[count], const QString& key) {
 QString StandardProjectSystem::typeByExtension(ProjectElement* file) const {
     file->checkDoFileStuff();
     const QString extension = file->path().extension(false).toLower();
-    if (extension == "xml") {
+    if (const QString type = typeOf(extensionTypes, extension); !type.isEmpty())
+        return type;
+    if (extension == QLatin1String("xml")) {
         const char* documentType = XMLDocument::xmlDocumentType(Path::absolute(file->path().filePath()));
         return documentType ? typeOf(documentTypes, toText(documentType)) : QString("");
     }
@@ -210,5 +212,5 @@ QString StandardProjectSystem::typeByExtension(ProjectElement* file) const {
         return "Executable";
     if (dotted == libraryFileExtension())
         return "Library";
-    return typeOf(extensionTypes, extension);
+    return "";
 }

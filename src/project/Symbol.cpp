@@ -69,4 +69,22 @@ Symbol Symbol::of(std::string_view bytes) {
     return Symbol(entry ? entry : table.add(toText(bytes)));
 }
 
+Symbol Symbol::findConfiguration(const QString& name) {
+    static QString lastName;
+    static Symbol lastSymbol;
+    const bool isSameText = name.constData() == lastName.constData() && name.size() == lastName.size();
+    if (!lastSymbol || !isSameText) {
+        lastName = name;
+        lastSymbol = find(name);
+    }
+    return lastSymbol;
+}
+
+Symbol Symbol::common() {
+    static const Symbol common = of(QString("Common"));
+    return common;
+}
+
+size_t Symbol::count() { return Table::instance().entries.size(); }
+
 Symbol Symbol::find(const QString& text) { return Symbol(Table::instance().find(QStringView(text))); }

@@ -17,6 +17,13 @@ public:
     /// The symbol of the text, or the null symbol if nothing has this name.
     static Symbol find(const QString& text);
 
+    /// The same for a configuration. A build asks for one, by one and the same text, many thousand times.
+    static Symbol findConfiguration(const QString& name);
+    /// The configuration that holds beside every other.
+    static Symbol common();
+    /// How many symbols there are. What `find` did not find is not there either until this number has grown.
+    static size_t count();
+
     const QString& text() const { return m_entry->text; }
     explicit operator bool() const { return m_entry != nullptr; }
     bool operator==(const Symbol& other) const = default;

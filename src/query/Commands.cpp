@@ -1,6 +1,8 @@
 #include "query/Command.h"
 #include "query/ObjectCommand.h"
+#include "query/PackageCommand.h"
 #include "query/SolutionQueries.h"
+#include "query/SymbolsCommand.h"
 
 #include "foundation/HException.h"
 #include "foundation/Text.h"
@@ -24,8 +26,12 @@ const QueryCommand commands[] = {
     {"order", "SOLUTION", "the projects in the order in which they are built", configOptions, runOrder},
     {"macros", "SOLUTION", "what a $(...) in a setting of a node can name, and its value", configOptions,
      runMacros},
+    {"memory", "SOLUTION", "the memory of a program, and where its sections go", configOptions, runMemory},
     {"why", "SOLUTION", "what a build would do, and the one reason for each step", whyOptions, runWhy},
     {"object", "FILE...", "what object files hold", objectOptions, runObject},
+    {"package", "FILE", "the members of a package", packageOptions, runPackage},
+    {"symbols", "HEADER...", "what headers declare, as the documentation generator sees it", symbolsOptions,
+     runSymbols},
 };
 
 std::ostream& operator<<(std::ostream& stream, const QString& text) {

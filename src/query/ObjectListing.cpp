@@ -5,6 +5,7 @@
 #include "object/SOBFPseudoInsn.h"
 #include "object/SOBFSection.h"
 #include "object/SOBFSymbol.h"
+#include "query/Printable.h"
 
 #include <QJsonArray>
 #include <algorithm>
@@ -15,18 +16,7 @@ namespace {
 /// Bytes of a record that a line has room for.
 constexpr int mostBytes = 8;
 
-std::string printable(std::string_view text) {
-    constexpr char digits[] = "0123456789ABCDEF";
-    std::string result;
-    for (const char character : text) {
-        const auto byte = static_cast<uint8_t>(character);
-        if ((byte & 0x7F) >= 0x20 && byte != 0x7F)
-            result += character;
-        else
-            result.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
-    }
-    return result;
-}
+using ::printable;
 
 std::string printable(const HString* text) { return printable(text ? text->view() : std::string_view()); }
 

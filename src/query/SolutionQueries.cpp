@@ -9,6 +9,7 @@
 #include "project/MSP430ProjectSystem.h"
 #include "project/SolutionLoadError.h"
 #include "properties/EnvironmentSettings.h"
+#include "query/MemoryCommand.h"
 #include "query/SolutionCommands.h"
 #include "query/WhyCommand.h"
 
@@ -136,4 +137,10 @@ int SolutionQueries::runWhy(const QCommandLineParser& words, const QueryStreams&
     return print(
         SolutionCommands::why(*standardBuildSystem, node, configurationOf(words), words.isSet("batch")),
         words, streams);
+}
+
+int SolutionQueries::runMemory(const QCommandLineParser& words, const QueryStreams& streams) {
+    ProjectElement* node = SolutionCommands::find(loadedSolution(words), nodeOf(words));
+    return print(SolutionCommands::memory(*standardBuildSystem, node, configurationOf(words)), words,
+                 streams);
 }

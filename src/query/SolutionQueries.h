@@ -19,5 +19,6 @@ int runConfigurations(const QCommandLineParser& words, const QueryStreams& strea
 int runOrder(const QCommandLineParser& words, const QueryStreams& streams);
 int runMacros(const QCommandLineParser& words, const QueryStreams& streams);
 int runWhy(const QCommandLineParser& words, const QueryStreams& streams);
+int runMemory(const QCommandLineParser& words, const QueryStreams& streams);
 
 } // namespace SolutionQueries

@@ -1,10 +1,10 @@
 #include "query/WhyCommand.h"
 
-#include "build/Builder.h"
 #include "build/StandardBuildSystem.h"
 #include "build/StepListener.h"
 #include "foundation/HException.h"
 #include "foundation/Text.h"
+#include "query/SilentBuilder.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -37,21 +37,6 @@ private:
     QString m_header;
     QString m_text;
     QJsonArray m_steps;
-};
-
-/// Takes what a build says and does nothing with it; no command comes to it.
-class SilentBuilder : public Builder {
-public:
-    void beginGroup(ProjectElement*, const QString&, int) override {}
-    void endGroup(ProjectElement*) override {}
-    void init() override {}
-    void setDirectory(const QString&) override {}
-    void setCommand(const QStringList&) override {}
-    void setEnvironment(const QStringList&) override {}
-    void setOutputFiles(const QStringList&) override {}
-    void setTemporaryFiles(const QStringList&) override {}
-    void doit() override {}
-    void error(const QString&) override {}
 };
 
 } // namespace

@@ -101,13 +101,13 @@ TEST_F(UpToDate, LinkWatchesMapAndPlacementFilesOrTheScript) {
          "<project Name=\"q\"><configuration Name=\"Common\" linker_memory_map_file=\"map.xml\"/>"
          "<file file_name=\"s.x\"><configuration Name=\"Common\" file_type=\"Linker "
          "Script\"/></file></project>");
-    memory.write("/tarn/place.xml", "");
-    touch("map.xml");
-    touch("s.x");
+    memory.write("/tarn/place.xml", "<Root/>");
+    memory.write("/s/map.xml", "<Root/>");
+    memory.write("/s/s.x", "<Root/>");
     build();
     for (const char* name : {"/s/map.xml", "/tarn/place.xml", "/s/s.x"}) {
         memory.tick();
-        memory.write(name, "");
+        memory.touch(name);
         const QString project = name == std::string("/s/s.x") ? "q" : "p";
         EXPECT_THAT(reasons(),
                     Contains("message: " + QString(name) + " is newer than Debug/" + project + ".vkx."));

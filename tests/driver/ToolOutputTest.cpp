@@ -1,4 +1,5 @@
 #include "driver/ToolOutput.h"
+#include "foundation/Text.h"
 
 #include <gmock/gmock.h>
 
@@ -29,8 +30,13 @@ TEST(ToolOutput, LinesEndAtNewlinesAndAtACarriageReturnWithTheByteBehindIt) {
     for (const auto& row : rows) {
         const QStringList lines = linesOf(row.bytes);
         EXPECT_EQ(lines, row.lines) << testing::PrintToString(row.bytes);
-        for (const QString& line : lines)
+        QString printed;
+        for (const QString& line : lines) {
             EXPECT_EQ(line.isNull(), line.isEmpty()) << testing::PrintToString(row.bytes);
+            printed += line + "\n";
+        }
+        EXPECT_EQ(consoleLinesOf(QByteArray::fromStdString(row.bytes)), toBytes(printed))
+            << testing::PrintToString(row.bytes);
     }
 }
 
@@ -41,4 +47,6 @@ TEST(ToolOutput, ManyLinesTakeTimeInProportion) {
     EXPECT_EQ(linesOf(std::string(size, '\r')).size(), size / 2);
     EXPECT_EQ(linesOf(std::string(size, 'x')).size(), 1);
     EXPECT_EQ(linesOf(std::string(size, '\n') + "\r").size(), size + 1);
+    EXPECT_EQ(consoleLinesOf(QByteArray(size, '\r')).size(), size / 2);
+    EXPECT_EQ(consoleLinesOf(QByteArray("\r\nx\n").repeated(size / 4)).size(), size * 3 / 4);
 }

@@ -3,6 +3,7 @@
 #include "build/MSP430BuildSystem.h"
 #include "build/StepListener.h"
 #include "macros/MacroSystem.h"
+#include "memorymap/MemoryMapOpenFiles.h"
 #include "properties/EnvironmentSettings.h"
 #include "properties/PropertyValueGroups.h"
 #include "support/RecordingBuilder.h"
@@ -32,6 +33,7 @@ inline QByteArray objectFrom(const QStringList& dependencies) {
 class BuildFixture : public SolutionFixture {
 protected:
     BuildFixture() {
+        memoryMapOpenFiles = {};
         projectSystem = &system;
         environment = &settings;
         settings.createEntries();
