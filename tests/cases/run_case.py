@@ -6,6 +6,9 @@ which is also HOME's parent, and the commands run there. The session is read as 
 in it:
 
     # a remark
+    < tarn/bin/qcomp ../recorders/compiler
+                                        before the first command: a place in the case, and the file or folder that is
+                                        copied there, counted from the case
     $ ostmake -config Debug app.vkp     a command: words, quoted as in a shell, run without one
     a line of the standard output
     2> a line of the standard error stream
@@ -13,7 +16,8 @@ in it:
     ...                                 as the only line of a stream: any text, but not none
 
 {DIR} stands for the directory and {HOME} for the user's, in commands and in what they print. The programs of BIN come
-first in PATH. With --accept the session is written anew with what the commands print; read it before it is committed.
+first in PATH. The scripts of recorders/, which cases share, stand where tools stand. With --accept the session is written
+anew with what the commands print; read it before it is committed.
 """
 import os
 import shlex
@@ -47,6 +51,16 @@ def blocks(session):
         yield command, out, err, status
 
 
+def borrow(session, case, directory):
+    """Copies what a session names before its first command."""
+    for line in session.split("\n$ ", 1)[0].split("\n"):
+        if line.startswith("< "):
+            place, source = line[2:].split()
+            source, place = os.path.join(case, source), os.path.join(directory, place)
+            os.makedirs(os.path.dirname(place), exist_ok=True)
+            (shutil.copytree if os.path.isdir(source) else shutil.copy)(source, place)
+
+
 def without_blank_end(lines):
     while lines and not lines[-1]:
         lines = lines[:-1]
@@ -74,10 +88,12 @@ def main():
     os.mkdir(environment["HOME"])
     with open(os.path.join(case, "session.txt"), encoding="latin-1", newline="\n") as file:
         session = file.read()
+    borrow(session, case, directory)
     failures = 0
     accepted = []
     for command, out, err, status in blocks(session):
-        words = [os.fsencode(word.encode("latin-1")) for word in shlex.split(command.replace("{DIR}", directory))]
+        placed = command.replace("{DIR}", directory).replace("{HOME}", environment["HOME"])
+        words = [os.fsencode(word.encode("latin-1")) for word in shlex.split(placed)]
         ran = subprocess.run(words, cwd=directory, env=environment, capture_output=True, timeout=60,
                              stdin=subprocess.DEVNULL)
         got_out, got_err = (text.decode("latin-1").replace(directory, "{DIR}").replace(environment["HOME"], "{HOME}")
@@ -93,7 +109,7 @@ def main():
     if "--accept" in sys.argv:
         lines = []
         for line in session.split("\n"):
-            if line.startswith(("$ ", "# ")):
+            if line.startswith(("$ ", "# ", "< ")):
                 lines += [line] + (accepted.pop(0) if line[0] == "$" else [])
         with open(os.path.join(case, "session.txt"), "w", encoding="latin-1", newline="\n") as file:
             file.write("\n".join(lines) + "\n")

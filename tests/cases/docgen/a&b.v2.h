@@ -1,0 +1,2 @@
+/*! \brief Bytes: é · */
+int bytes(void);

@@ -1,0 +1,1 @@
+No comment here.
