@@ -4,6 +4,8 @@ set -euo pipefail
 
 packages=(
     cmake ninja-build g++ qt6-base-dev            # the programs
+    clang-19 libelf-dev libdw-dev pkg-config      # the tool chain: what it runs, what it reads with
+    mspdebug llvm-19 lld-19 srecord               # the tests of the tool chain
     libgtest-dev libgmock-dev python3             # the tests
     libbenchmark-dev libpugixml-dev libexpat1-dev # the benchmarks and the peers in them
     clang-14 libclang-rt-14-dev clang-format-14   # the fuzz targets, the format check

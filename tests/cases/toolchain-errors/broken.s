@@ -1,0 +1,2 @@
+        .text
+        move    #1, r5

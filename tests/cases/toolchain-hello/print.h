@@ -1,0 +1,2 @@
+void print(const char* text);
+void printNumber(unsigned number);
