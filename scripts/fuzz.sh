@@ -1,25 +1,26 @@
 #!/usr/bin/env bash
-# fuzz.sh [SECONDS [TARGET...]]: builds the fuzz targets and runs each on its corpus and beyond, 5 seconds if not told.
-# A finding stops the run and is left in build/fuzz/findings.
+# fuzz.sh [SECONDS [TARGET...]]: builds the fuzz targets and runs each on its corpus and beyond, 5 seconds if not told,
+# as many at a time as there are cores. A finding stops the run and is left in build/fuzz/findings.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-seconds=${1:-5}
+export seconds=${1:-5}
 [ $# -eq 0 ] || shift
 
 ./scripts/build.sh fuzz
 [ $# -gt 0 ] || set -- $(cd fuzz && ls ./*Fuzz.cpp | sed 's|^\./||; s|\.cpp$||')
 mkdir -p build/fuzz/findings
-for target; do
-    grown=build/fuzz/corpus/$target
+
+run() {
+    local target=$1 grown=build/fuzz/corpus/$1 log=build/fuzz/$1.log dictionary=()
     mkdir -p "$grown"
-    log=build/fuzz/$target.log
-    dictionary=()
     [ ! -f "fuzz/$target.dict" ] || dictionary=(-dict="fuzz/$target.dict")
     if ! "build/fuzz/fuzz/$target" "$grown" "fuzz/corpus/$target" "${dictionary[@]}" -max_total_time="$seconds" \
         -timeout=10 -rss_limit_mb=2048 -artifact_prefix="build/fuzz/findings/$target-" >"$log" 2>&1; then
         tail -n 40 "$log" >&2
         echo "fuzz: $target found something, see $log" >&2
-        exit 1
+        return 255 # and no further one is begun
     fi
     echo "fuzz: $target: $(grep -o 'Done .*' "$log" | tail -n 1)"
-done
+}
+export -f run
+printf '%s\n' "$@" | xargs -P "$(nproc)" -I{} bash -c 'run "$1"' run {}
