@@ -139,7 +139,7 @@ private:
     }
 
     void emit(bool isEnd) {
-        if (m_fileRegister >= m_unitFiles.size())
+        if (m_fileRegister == 0 || m_fileRegister >= m_unitFiles.size()) // 0 stands for no file
             fail();
         m_table.rows.push_back({m_inSection, m_address, m_unitFiles[m_fileRegister], m_line, isEnd});
     }
