@@ -218,7 +218,7 @@ void BuildSystem::because(const QString& reason, Builder* builder, bool quiet) {
 bool BuildSystem::exists(const QString& directory, const QString& file, QString& fullPath, QDateTime& time,
                          Builder* builder, bool quiet) {
     fullPath = FileTimes::resolved(directory, file);
-    const auto modified = m_fileTimes.modified(directory, viewOf(toBytes(file)));
+    const auto modified = m_fileTimes.modified(directory, viewOf(toBytes(file)), fullPath);
     if (!modified) {
         because(file + " does not exist.", builder, quiet);
         return false;

@@ -83,13 +83,13 @@ StandardBuildSystem::BuildAction StandardBuildSystem::findAction(ProjectElement*
         return actionOf(projectActions, projectSystem->getProjectType(element), Link);
     if (!element->is(ProjectElement::File))
         return NoAction;
-    if (settingFor(element, Setting::build_exclude_from_build, config) == "Yes")
+    if (settingFor(element, Setting::build_exclude_from_build, config) == QLatin1String("Yes"))
         return Excluded;
     if (ProjectElement* project = projectSystem->projectContaining(element)) {
         const QString type = projectSystem->getProjectType(project);
-        if (type == "Staging")
+        if (type == QLatin1String("Staging"))
             return Stage;
-        if (type == "Combining")
+        if (type == QLatin1String("Combining"))
             return NoAction;
     }
     return actionOf(fileActions, projectSystem->getFileType(element), NoAction);

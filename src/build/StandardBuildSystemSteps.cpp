@@ -139,7 +139,7 @@ bool StandardBuildSystem::platformBuild1(ProjectElement* element, const QString&
     Force force;
     if (flags & BuildFlags::Force)
         force.add(Force::Asked, nullptr);
-    else if (settingFor(element, Setting::build_always_rebuild, config) == "Yes")
+    else if (settingFor(element, Setting::build_always_rebuild, config) == QLatin1String("Yes"))
         force.add(Force::Always, nullptr);
     const BuildAction action = buildAction(element, config);
     if (action != External && !(flags & BuildFlags::ThisNodeOnly)) {

@@ -17,6 +17,13 @@ HByteStream::HByteStream(size_t growth)
         throw std::bad_alloc();
 }
 
+HByteStream::HByteStream(FileBytes bytes)
+    : m_growth(usualGrowth),
+      m_start(bytes.data.release()),
+      m_end(m_start + bytes.size),
+      m_position(m_start),
+      m_limit(m_end) {}
+
 HByteStream::~HByteStream() { std::free(m_start); }
 
 void HByteStream::write(uint8_t byte) {
@@ -51,19 +58,17 @@ void HByteStream::makeRoom(size_t bytes) {
     m_limit = grown + capacity;
 }
 
-void HByteStream::adopt(char* buffer, size_t size) {
-    std::free(m_start);
-    m_start = buffer;
-    m_position = buffer;
-    m_end = buffer + size;
-    m_limit = m_end;
-}
+namespace {
 
-HFileInputByteStream::HFileInputByteStream(const QString& path) {
+FileBytes contentsOf(const QString& path) {
     FileBytes bytes = files().read(path);
     if (bytes.result == FileBytes::CannotOpen)
         throw HException("can't open file " + toBytes(path).toStdString());
     if (bytes.result == FileBytes::CannotRead)
         throw HException("can't read file " + toBytes(path).toStdString());
-    adopt(bytes.data.release(), bytes.size);
+    return bytes;
 }
+
+} // namespace
+
+HFileInputByteStream::HFileInputByteStream(const QString& path) : HByteStream(contentsOf(path)) {}

@@ -36,8 +36,8 @@ public:
     int read() { return atEnd() ? -1 : static_cast<uint8_t>(*m_position++); }
 
 protected:
-    /// Takes `buffer`, which came from malloc and holds `size` bytes, in the place of the one it has.
-    void adopt(char* buffer, size_t size);
+    /// Begins with the contents of a file.
+    explicit HByteStream(FileBytes bytes);
 
 private:
     void makeRoom(size_t bytes);

@@ -9,6 +9,7 @@
 
 #include <QDateTime>
 #include <QLocale>
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -101,13 +102,15 @@ void Pass::matchAll() {
 
 void Pass::expandReference(qsizetype start, qsizetype close) {
     const QStringView body = piece(start + 2, close);
-    again |= body.contains(u'$');
+    again |= std::find(body.begin(), body.end(), u'$') != body.end();
     QStringView name = body;
     QStringView fallback = piece(start, close + 1);
-    if (const qsizetype colon = body.indexOf(u':'); colon >= 0) {
-        const bool isFinal = body.mid(colon + 1).startsWith(u':');
-        name = body.left(colon);
-        fallback = body.mid(colon + (isFinal ? 2 : 1));
+    if (const auto colon = std::find(body.begin(), body.end(), u':'); colon != body.end()) {
+        name = body.left(colon - body.begin());
+        fallback = body.mid(name.size() + 1);
+        const bool isFinal = fallback.startsWith(u':');
+        if (isFinal)
+            fallback = fallback.mid(1);
         again &= !isFinal;
     }
     const auto value = m_macros.value(QString::fromRawData(name.data(), name.size()));

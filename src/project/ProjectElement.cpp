@@ -159,6 +159,8 @@ void ProjectElement::setAttributesFrom(const XMLElement& xmlElement) {
     m_attributes.reserve(m_attributes.size() + list.size());
     for (const XMLAttribute& attribute : list)
         m_attributes.push_back({Symbol::of(std::string_view(attribute.name)), sharedText(attribute.value)});
+    if (m_attributes.size() < 2)
+        return;
     // The new ones stand behind the old of their names; of equals the last one holds.
     std::stable_sort(m_attributes.begin(), m_attributes.end(),
                      [](const Attribute& a, const Attribute& b) { return a.name < b.name; });

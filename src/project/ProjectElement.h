@@ -61,7 +61,8 @@ public:
     // Attributes.
     /// The value, or null if there is no such attribute.
     QString attribute(const QString& name) const;
-    bool hasAttribute(const QString& name) const { return find(Symbol::find(name)); }
+    bool hasAttribute(const QString& name) const { return hasAttribute(Symbol::find(name)); }
+    bool hasAttribute(Symbol name) const { return find(name); }
     /// `flag` is kept with the change and tells nothing to this program.
     void setAttribute(const QString& name, const QString& value, bool flag);
     void removeAttribute(const QString& name);

@@ -226,11 +226,13 @@ void ProjectSystem::checkNesting(int levels, int solutions) const {
 std::unique_ptr<ProjectElement> ProjectSystem::makeElement(const XMLElement& xmlElement) {
     if (++m_load.elements > mostElements)
         fail(m_load.stack.value(m_load.stack.size() - 1), " too many elements");
+    static const Symbol templateName = Symbol::of(QString("template_name"));
+    static const Symbol path = Symbol::of(QString("path"));
     auto element = std::make_unique<ProjectElement>(toText(xmlElement.tagName()));
     element->setAttributesFrom(xmlElement);
-    if (element->hasAttribute("template_name"))
+    if (element->hasAttribute(templateName))
         m_load.pendingTemplates.append(element.get());
-    else if (element->hasAttribute("path"))
+    else if (element->hasAttribute(path))
         m_load.dynamicFolders.append(element.get());
     return element;
 }

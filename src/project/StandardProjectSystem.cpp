@@ -173,15 +173,15 @@ namespace {
 
 struct TypeRow {
     const char* key;
-    const char* type;
+    QString type;
 };
 
-constexpr TypeRow extensionTypes[] = {{"c", "C"},    {"cpp", "C++"},      {"cxx", "C++"},
-                                      {"cc", "C++"}, {"asm", "Assembly"}, {"s", "Assembly"}};
+const TypeRow extensionTypes[] = {{"c", u"C"_qs},    {"cpp", u"C++"_qs},      {"cxx", u"C++"_qs},
+                                  {"cc", u"C++"_qs}, {"asm", u"Assembly"_qs}, {"s", u"Assembly"_qs}};
 
-constexpr TypeRow documentTypes[] = {{"Board_Memory_Definition_File", "Memory Map"},
-                                     {"Linker_Placement_File", "Section Placement"},
-                                     {"OstrelTarn_Target_Definition_File", "Target Definitions"}};
+const TypeRow documentTypes[] = {{"Board_Memory_Definition_File", u"Memory Map"_qs},
+                                 {"Linker_Placement_File", u"Section Placement"_qs},
+                                 {"OstrelTarn_Target_Definition_File", u"Target Definitions"_qs}};
 
 template<size_t count>
 QString typeOf(const TypeRow (&rows)[count], const QString& key) {
