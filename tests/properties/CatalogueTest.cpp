@@ -78,7 +78,7 @@ QString manualRow(const PropertyClass& each) {
 }
 
 TEST(Catalogue, ManualTellsEverySettingAsItIs) {
-    FileBytes page = files().read(OSTMAKE_SOURCE_DIR "/docs/settings.md");
+    FileBytes page = files().read(OSTMAKE_SOURCE_DIR "/docs/manual/settings.md");
     ASSERT_TRUE(page);
     const QStringList lines = toText(page.view()).split('\n');
     for (const PropertyClass* each : catalogue())
