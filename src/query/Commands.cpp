@@ -1,3 +1,4 @@
+#include "query/CatalogueCommand.h"
 #include "query/Command.h"
 #include "query/ObjectCommand.h"
 #include "query/PackageCommand.h"
@@ -21,6 +22,9 @@ const QueryCommand commands[] = {
      runTree},
     {"settings", "SOLUTION [NAME...]", "the settings of a node, their values and where these come from",
      settingsOptions, runSettings},
+    {"catalogue", "[NAME...]",
+     "every setting of the catalogue, with its type, its default and where it exists", catalogueOptions,
+     runCatalogue},
     {"configurations", "SOLUTION", "the configurations that a node is offered", nodeOptions,
      runConfigurations},
     {"order", "SOLUTION", "the projects in the order in which they are built", configOptions, runOrder},

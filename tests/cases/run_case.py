@@ -13,7 +13,7 @@ in it:
     a line of the standard output
     2> a line of the standard error stream
     [1]                                 the exit status, if it is not 0
-    ...                                 as the only line of a stream: any text, but not none
+    ...                                 any lines, but not none
 
 {DIR} stands for the directory and {HOME} for the user's, in commands and in what they print. The programs of BIN come
 first in PATH. The scripts of recorders/, which cases share, stand where tools stand. With --accept the session is written
@@ -68,9 +68,13 @@ def without_blank_end(lines):
 
 
 def differs(expected, got):
-    if expected == ["..."]:
-        return not got
-    return without_blank_end(expected) != without_blank_end(got)
+    """Whether lines are other ones than expected, where a line "..." stands for any lines, but not for none."""
+    expected, got = without_blank_end(expected), without_blank_end(got)
+    if "..." not in expected:
+        return expected != got
+    first = expected.index("...")
+    rest = expected[first + 1 :]
+    return expected[:first] != got[:first] or all(differs(rest, got[next:]) for next in range(first + 1, len(got) + 1))
 
 
 def main():

@@ -66,25 +66,6 @@ TEST(Catalogue, LookUpGivesTheClassThatWasEnteredLast) {
     EXPECT_EQ(catalogueClass("no_such_setting"), nullptr);
 }
 
-/// What stands in the manual for a setting.
-QString manualRow(const PropertyClass& each) {
-    QString type = QString::fromLatin1(PropertyClass::typeName(each.type()));
-    if (each.type() == PropertyClass::Enumeration)
-        type = each.enumerates().join(", ");
-    else if (each.type() == PropertyClass::IntegerRange)
-        type = QString::number(each.minimum()) + " to " + QString::number(each.maximum());
-    const QString standard = each.defaultValue().isNull() ? QString() : "`" + each.defaultValue() + "`";
-    return "| `" + each.saveName() + "` | " + type + " | " + standard + " | " + each.longDescription() + " |";
-}
-
-TEST(Catalogue, ManualTellsEverySettingAsItIs) {
-    FileBytes page = files().read(OSTMAKE_SOURCE_DIR "/docs/settings.md");
-    ASSERT_TRUE(page);
-    const QStringList lines = toText(page.view()).split('\n');
-    for (const PropertyClass* each : catalogue())
-        EXPECT_TRUE(lines.contains(manualRow(*each))) << manualRow(*each).toStdString();
-}
-
 /// The parts as the present layers make them together.
 void appendPart(PropertyLists::Part part, PropertyClassList& list) {
     using namespace PropertyLists;

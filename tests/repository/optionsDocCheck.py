@@ -6,9 +6,9 @@ import sys
 
 root = pathlib.Path(sys.argv[1])
 options = re.findall(r'add(?:Switch|Handler)\("(-\w+)"', (root / "src/driver/OstmakeArgParse.cpp").read_text())
-manual = (root / "docs/options.md").read_text()
+manual = (root / "docs/manual/options.md").read_text()
 page = (root / "docs/man/ostmake.1").read_text()
-failures = [f"docs/options.md does not tell of {option}" for option in options if not re.search(rf"`{option}\b", manual)]
+failures = [f"docs/manual/options.md does not tell of {option}" for option in options if not re.search(rf"`{option}\b", manual)]
 failures += [f"docs/man/ostmake.1 does not tell of {option}" for option in options
              if not re.search(rf"\\{option}\b", page)]
 print("\n".join(failures) or f"{len(options)} options are told of")

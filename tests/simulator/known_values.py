@@ -6,33 +6,16 @@ libraries that the links ask for are built in it, then known/known.vkp, one prog
 has and each size of a double; two of the four unless --all is given. What they print on the simulated console has to be,
 line by line, what the same source prints when this machine's compiler and C library have their turn with it.
 """
-import os
 import pathlib
 import shutil
 import subprocess
 import sys
 
-MISSING = 77
+from runtime import MISSING, build_libraries, copy_newer, prepare, run
+
 CONFIGURATIONS = {"soft_double": "double", "hw16_single": "float"}
 MORE = {"soft_single": "float", "hw16_double": "double"}
 FORMAT = {"float": "float_long_long", "double": "double_long_long"}
-
-
-def run(*words, **options):
-    ran = subprocess.run([str(word) for word in words], capture_output=True, text=True, errors="replace", **options)
-    if ran.returncode:
-        sys.exit(f"{' '.join(map(str, words))}\n{ran.stdout}{ran.stderr}")
-    return ran.stdout
-
-
-def copy_newer(source, target):
-    for file in source.rglob("*"):
-        copy = target / file.relative_to(source)
-        if file.is_dir():
-            copy.mkdir(parents=True, exist_ok=True)
-        elif not copy.exists() or copy.stat().st_mtime < file.stat().st_mtime:
-            copy.parent.mkdir(parents=True, exist_ok=True)
-            shutil.copy2(file, copy)
 
 
 def expected(source, real, work):
@@ -57,13 +40,9 @@ def main():
     if not shutil.which("mspdebug") or not shutil.which("clang-19"):
         print("mspdebug or clang-19 is not installed")
         sys.exit(MISSING)
-    work.mkdir(parents=True, exist_ok=True)
-    copy_newer(binaries, work / "bin")
-    copy_newer(root / "toolchain" / "include", work / "include")
-    copy_newer(root / "support", work)
+    prepare(binaries, root, work)
     here = pathlib.Path(__file__).parent / "known"
     copy_newer(here, work / "known")
-    os.environ["HOME"] = str(work)
     for header in sorted((work / "include" / "devices").iterdir()):
         run(work / "bin" / "qcomp", "-we", "-ansi", "-O-9", f"-D__TARGET_PROCESSOR={header.stem}", f"-J{work / 'include'}",
             work / "known" / "device.c", "-o", work / f"{header.stem}.vko")
@@ -73,8 +52,7 @@ def main():
     for configuration, real in configurations.items():
         libraries = ["libc", "libm", "libdebugio", "libc_targetio_impl", "libc_user_libc",
                      f"lib_vfprintf_{FORMAT[real]}", f"lib_vfscanf_{FORMAT[real]}_cc"]
-        for library in libraries:
-            run(ostmake, "-config", configuration, "-project", library, "runtime.vkp", cwd=work / "source" / "runtime")
+        build_libraries(work, configuration, libraries)
         # No link looks at the time of a library of the runtime.
         run(ostmake, "-config", configuration, "-rebuild", "known.vkp", cwd=work / "known")
         wanted = expected(here / "known.c", real, work)

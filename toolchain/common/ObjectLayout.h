@@ -7,7 +7,7 @@
 class HString;
 class SOBFModule;
 
-// What the tools agree on beyond the format of object files: docs/toolchain.md has it for users.
+// What the tools agree on beyond the format of object files: docs/manual/toolchain.md has it for users.
 
 /// The flags of a section.
 namespace section_flags {
