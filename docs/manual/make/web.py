@@ -42,7 +42,7 @@ TEMPLATE = """<!DOCTYPE html>
 
 
 def output_name(page):
-    """Where a page goes: docs/manual/x.md and docs/x.md are both x.html."""
+    """Where a page goes: those of docs/manual lie beside those of docs."""
     name = page.relative_to(docs).with_suffix(".html").as_posix()
     return name.removeprefix("manual/")
 
