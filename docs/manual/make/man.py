@@ -25,7 +25,7 @@ PAGES = {
     "ostmake": ("build embedded C and assembly projects for MSP430 microcontrollers",
                 [("SYNOPSIS", "options.md", "synopsis"), ("DESCRIPTION", "options.md", ""), ("OPTIONS", "options.md", "The options"),
                  ("INDIRECT FILES", "options.md", "Indirect files"), ("EXIT STATUS", "options.md", "Exit status"),
-                 ("FILES", "options.md", "Files")]),
+                 ("EXAMPLES", "options.md", "Examples"), ("FILES", "options.md", "Files")]),
     "ostquery": ("look into what ostmake works on",
                  [("SYNOPSIS", "ostquery.md", "synopsis"), ("DESCRIPTION", "ostquery.md", ""), *(
                      (name.upper(), "ostquery.md", name) for name in (
@@ -102,7 +102,8 @@ def block(node):
         return f".PP\n{guarded(inline(node))}"
     if kind == "code_block":
         lines = escaped(node.text.rstrip("\n")).split("\n")
-        return "\n".join([".PP", ".RS 4", ".nf", *("\\&" + line if line[:1] in (".", "\\") else line for line in lines),
+        name = (node.get("info") or "").partition(" ")[2]
+        return "\n".join([".PP", *([f"\\fI{escaped(name)}\\fR:"] if name else []), ".RS 4", ".nf", *("\\&" + line if line[:1] in (".", "\\") else line for line in lines),
                           ".fi", ".RE"])
     if kind == "list":
         items = []
