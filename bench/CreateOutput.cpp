@@ -1,4 +1,6 @@
-// The smallest tool that stands where a compiler stands: creates the file behind -o.
+// The smallest tool that stands where a compiler or a linker stands: creates the file behind -o and that of -M, empty,
+// or with the contents of the file of the same name and ".in" where there is one. What stands behind -MF, a list of
+// headers for those who read one, is a copy of its ".in" too.
 //
 // With `--each FILE` it runs the commands of a file one by one, in the plainest way that there is: words end
 // with a zero byte, and an empty word ends a command.
@@ -9,18 +11,31 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <string>
+#include <sys/sendfile.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
 namespace {
 
-int create(int count, char** words) {
-    for (int i = 1; i + 1 < count; ++i) {
-        if (std::strcmp(words[i], "-o") == 0)
-            return ::close(::open(words[i + 1], O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666)) == 0 ? 0 : 1;
+bool create(const std::string& path) {
+    const int output = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    const int model = ::open((path + ".in").c_str(), O_RDONLY | O_CLOEXEC);
+    while (model >= 0 && ::sendfile(output, model, nullptr, 1 << 20) > 0) {
     }
-    return 1;
+    if (model >= 0)
+        ::close(model);
+    return output >= 0 && ::close(output) == 0;
+}
+
+int createAll(int count, char** words) {
+    for (int i = 1; i < count; ++i) {
+        const bool isNamedNext = std::strcmp(words[i], "-o") == 0 || std::strcmp(words[i], "-MF") == 0;
+        if (isNamedNext && i + 1 < count ? !create(words[++i])
+                                         : std::strncmp(words[i], "-M", 2) == 0 && !create(words[i] + 2))
+            return 1;
+    }
+    return 0;
 }
 
 bool run(std::vector<char*>& words) {
@@ -54,5 +69,5 @@ int each(const char* path) {
 } // namespace
 
 int main(int count, char** words) {
-    return count == 3 && std::strcmp(words[1], "--each") == 0 ? each(words[2]) : create(count, words);
+    return count == 3 && std::strcmp(words[1], "--each") == 0 ? each(words[2]) : createAll(count, words);
 }
