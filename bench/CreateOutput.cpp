@@ -1,6 +1,6 @@
-// The smallest tool that stands where a compiler or a linker stands: creates the file behind -o and that of -M, empty,
-// or with the contents of the file of the same name and ".in" where there is one. What stands behind -MF, a list of
-// headers for those who read one, is a copy of its ".in" too.
+// The smallest tool that stands where a compiler or a linker stands: creates the file behind -o and that of
+// -M, empty, or with the contents of the file of the same name and ".in" where there is one. What stands
+// behind -MF, a list of headers for those who read one, is a copy of its ".in" too.
 //
 // With `--each FILE` it runs the commands of a file one by one, in the plainest way that there is: words end
 // with a zero byte, and an empty word ends a command.

@@ -41,8 +41,8 @@ QString FileTimes::resolved(const QString& directory, const QString& name) {
     return Path::isAbsolute(name) ? name : QString(directory + "/" + name);
 }
 
-// Headers stand in much the same order in the list of each object that they went into: what came behind a name
-// the last time comes behind it most often, and is compared before anything is looked up.
+// Headers stand in much the same order in the list of each object that they went into: what came behind a
+// name the last time comes behind it most often, and is compared before anything is looked up.
 const std::optional<qint64>* FileTimes::Times::find(std::string_view name) {
     Map::value_type* const foreseen = m_last ? m_last->second.next : nullptr;
     if (foreseen && foreseen->first == name) {
