@@ -1,4 +1,5 @@
-# What the package holds outside /usr/lib/ostmake: wrappers on the PATH, man pages and completion.
+# What the package holds outside /usr/lib/ostmake: wrappers on the PATH, man pages, the manual
+# if it was built, and completion.
 set(usr ${CPACK_TEMPORARY_DIRECTORY}/usr)
 file(MAKE_DIRECTORY ${usr}/bin)
 foreach(program IN ITEMS ostmake ostquery)
@@ -12,3 +13,6 @@ foreach(program IN ITEMS ostmake ostquery)
 endforeach()
 file(MAKE_DIRECTORY ${usr}/share)
 file(RENAME ${usr}/lib/ostmake/share/man ${usr}/share/man)
+if(EXISTS ${usr}/lib/ostmake/share/doc)
+    file(RENAME ${usr}/lib/ostmake/share/doc ${usr}/share/doc)
+endif()

@@ -51,4 +51,4 @@ echo "the light, after 16 beats of its timer:"
 simulate beat light/Release/light.vkx run run run run run run run run run run run run run run run run run |
     grep -a '^p1\|gpio' | sed 's/^/    /'
 echo
-echo "Programs, libraries, headers and samples are in dist/; docs/manual/support.md tells how to go on."
+echo "Programs, libraries, headers and samples are in dist/; docs/manual/tutorial.md tells how to go on."

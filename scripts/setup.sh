@@ -8,6 +8,7 @@ packages=(
     mspdebug llvm-19 lld-19 srecord               # the tests of the tool chain
     libgtest-dev libgmock-dev python3 strace      # the tests; strace lets the system fail under them
     libbenchmark-dev libpugixml-dev libexpat1-dev # the benchmarks and the peers in them
+    cmark-gfm                                     # the manual: HTML, and whether its man pages are up to date
     valgrind                                      # the test of what fixed runs cost
     clang-14 libclang-rt-14-dev clang-format-14   # the fuzz targets, the format check
 )

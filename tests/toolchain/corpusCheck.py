@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """corpusCheck.py BIN: a program out of many functions, linked by qlink from our object files and by lld from clang's, has
-the same bytes at the same addresses; and our listing of it names the same instructions as llvm-objdump.
+the same bytes at the same addresses; and our listing of it names the same instructions as llvm-objdump. The functions are
+those of makeCorpus.py, of the runtime and of the samples.
 
 Ends with status 77, which counts as skipped, where lld or llvm-objdump is not installed."""
 import pathlib
@@ -11,6 +12,8 @@ import subprocess
 import sys
 import tempfile
 
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+SAMPLE_WORDS = ["-D__TARGET_PROCESSOR=MSP430F449", "-DSAMPLE_RATE=8"]
 OPTIONS = [["-O-9", "-msd"], ["-O+9"], ["-O-9", "-Or-", "-g"]]
 
 # Spellings: what llvm-objdump shows in words of its own, and the instruction that it is.
@@ -30,12 +33,12 @@ def run(*words):
     return ran.stdout
 
 
-def compile_corpus(tools, directory, options):
+def compile_all(tools, directory, sources, options):
     """Both object files of each source: ours, and what clang makes with the words that qcomp gives it."""
     ours, theirs = [], []
-    for source in sorted(directory.glob("*.c")):
-        ours.append(source.with_suffix(".vko"))
-        theirs.append(source.with_suffix(".o"))
+    for source in sources:
+        ours.append(directory / f"{source.stem}.vko")
+        theirs.append(directory / f"{source.stem}.o")
         told = run(tools / "qcomp", "-V", "-w", *options, source, "-o", ours[-1])
         clang = shlex.split(told.splitlines()[0].split(": ", 1)[1])
         clang[clang.index("-o") + 1] = str(theirs[-1])
@@ -54,7 +57,12 @@ def undefined(nm, objects):
     return sorted(names - defined)
 
 
-def link(tools, lld, directory, ours, theirs, missing):
+def vectors_of(objdump, objects):
+    """The numbers of the interrupt vectors that the objects fill."""
+    return sorted({int(number) for number in re.findall(r"__interrupt_vector_(\d+)", run(objdump, "-h", *objects))})
+
+
+def link(tools, lld, directory, ours, theirs, missing, vectors):
     """Far too large for a real device, so that nothing is left out; the references wrap at 64 K on both sides alike."""
     values = {name: 0x200 + 2 * number for number, name in enumerate(missing)}
     map_file = directory / "ours.map"
@@ -68,10 +76,11 @@ def link(tools, lld, directory, ours, theirs, missing):
     script = "SECTIONS {\n"
     for name, pattern in (("CODE", ".text.*"), ("CONST", ".rodata .rodata.*"), ("IDATA0", ".data .data.*"),
                           ("UDATA0", ".bss .bss.* COMMON")):
-        script += f"  {name} {starts[name]:#x} : {{ *({pattern}) }}\n"
+        if name in starts:
+            script += f"  {name} {starts[name]:#x} : {{ *({pattern}) }}\n"
     if "INTVEC" in starts:
         script += f"  INTVEC {starts['INTVEC']:#x} : {{\n"
-        for number in (3, 4):
+        for number in vectors:
             script += f"    . = {starts['INTVEC'] + 2 * number:#x}; KEEP(*(__interrupt_vector_{number}))\n"
         script += "  }\n"
     (directory / "link.ld").write_text(script + "}\n")
@@ -79,18 +88,20 @@ def link(tools, lld, directory, ours, theirs, missing):
         *(f"--defsym={name}={value}" for name, value in values.items()), *theirs, "-o", directory / "theirs.elf")
 
 
-def images(objcopy, program):
+def images(objcopy, program, vectors):
+    """The bytes of each section, none if the program lacks it; of the vectors those that are filled."""
     found = {}
     for name in ("CODE", "CONST", "IDATA0", "INTVEC"):
         part = program.with_suffix(f".{name}")
+        part.unlink(missing_ok=True)
         run(objcopy, "-O", "binary", "--only-section=" + name, program, part)
-        found[name] = part.read_bytes()
-    found["INTVEC"] = found["INTVEC"][6:10]
+        found[name] = part.read_bytes() if part.exists() else b""
+    found["INTVEC"] = b"".join(found["INTVEC"][2 * number:2 * number + 2] for number in vectors)
     return found
 
 
-def compare_images(objcopy, directory):
-    ours, theirs = images(objcopy, directory / "ours.vkx"), images(objcopy, directory / "theirs.elf")
+def compare_images(objcopy, directory, vectors):
+    ours, theirs = (images(objcopy, directory / name, vectors) for name in ("ours.vkx", "theirs.elf"))
     for name, image in ours.items():
         if image != theirs[name]:
             place = next((at for at, pair in enumerate(zip(image, theirs[name])) if pair[0] != pair[1]), "the end")
@@ -172,6 +183,20 @@ def compare_listings(tools, objdump, nm, directory):
     return len(ours)
 
 
+def programs_of(directory):
+    """What is linked together: a title, the sources, and the words that they need."""
+    yield "corpus", sorted(directory.glob("*.c")), []
+    runtime = ROOT / "support/source/runtime"
+    include = [f"-J{ROOT / 'support/include'}"]
+    words = ["-DMULTIPLIER=0", "-DLEVEL=2", "-DWIDTHS=1", "-DFLOATS=1", "-DCLASSES=1", "-std=c99", "-fno-builtin"]
+    yield "runtime", sorted(runtime.glob("*.c")), include + words
+    for sample in sorted((ROOT / "samples").iterdir()):
+        sources = sorted(sample.rglob("*.c"))
+        if sources:
+            folders = sorted({source.parent for source in sample.rglob("*.h")})
+            yield f"sample {sample.name}", sources, include + SAMPLE_WORDS + [f"-I{folder}" for folder in folders]
+
+
 def main():
     tools = pathlib.Path(sys.argv[1])
     programs = [shutil.which(f"{name}-19") for name in ("ld.lld", "llvm-objdump", "llvm-objcopy", "llvm-nm")]
@@ -183,15 +208,17 @@ def main():
         directory = pathlib.Path(name)
         run(sys.executable, pathlib.Path(__file__).with_name("makeCorpus.py"), directory)
         for options in OPTIONS:
-            ours, theirs = compile_corpus(tools, directory, options)
-            # As many files together as fit: without optimisation one.
-            parts = len(ours) if "-Or-" in options else 5
-            for part in range(parts):
-                some, others = ours[part::parts], theirs[part::parts]
-                link(tools, lld, directory, some, others, undefined(nm, others))
-                size = compare_images(objcopy, directory)
-                count = compare_listings(tools, objdump, nm, directory)
-                print(f"{' '.join(options)}: {size} bytes and {count} instructions agree")
+            for title, sources, words in programs_of(directory):
+                ours, theirs = compile_all(tools, directory, sources, options + words)
+                # As many files together as fit: without optimisation one.
+                parts = len(ours) if "-Or-" in options else min(5, len(ours))
+                for part in range(parts):
+                    some, others = ours[part::parts], theirs[part::parts]
+                    vectors = vectors_of(objdump, others)
+                    link(tools, lld, directory, some, others, undefined(nm, others), vectors)
+                    size = compare_images(objcopy, directory, vectors)
+                    count = compare_listings(tools, objdump, nm, directory)
+                    print(f"{title}, {' '.join(options)}: {size} bytes and {count} instructions agree")
 
 
 main()

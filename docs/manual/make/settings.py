@@ -23,6 +23,7 @@ page = here.parent / "settings.md"
 begin, end = "<!-- The tables are made by make/settings.py. -->", "<!-- Here the tables end. -->"
 
 CAPTION = re.compile(r"    (Compiling|Assembling|Linking|Archiving|Copying|Combining|Running|Pre-|Post-)")
+NOTHING = re.compile("(No build step|The build does not) reads? it|reaches? no command line|They reach no command line")
 BASIC = '<configuration Name="Common" file_type="Basic"/>'
 SOURCES = {"main.c": "", "start.s43": "", "more.bas": BASIC}
 FILES = {
@@ -170,7 +171,7 @@ def tables(entries, rows):
         for key, entry in members:
             mine = [row for row in rows if row.setting == key]
             meaning = [entry["meaning"], *filter(None, map(words_cell, mine))]
-            if mine[0].reader is not None and not (mine[0].reader == "nothing" and "build" in entry["meaning"]):
+            if mine[0].reader is not None and not (mine[0].reader == "nothing" and NOTHING.search(entry["meaning"])):
                 meaning.append(f"Read by: {mine[0].reader}")
             lines.append(f"| {code(entry['name'])} | {type_cell(entry)} | {'; '.join(entry['nodes'])} | "
                          f"{'<br>'.join(meaning)} |")
