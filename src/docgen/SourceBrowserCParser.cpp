@@ -110,6 +110,18 @@ void SourceBrowserCParser::passTo(int code) {
     }
 }
 
+/// To the ";" of an enumeration. A block behind arguments is the body of a function, and ends it too.
+void SourceBrowserCParser::passEnumeration() {
+    for (bool hasArguments = false; m_token != ';' && m_token != End; getToken()) {
+        hasArguments = hasArguments || m_token == '(';
+        if (m_token != '{')
+            continue;
+        skipBlock();
+        if (hasArguments)
+            return;
+    }
+}
+
 QString SourceBrowserCParser::identifier() const { return toText(m_lexer->identifier()); }
 
 void SourceBrowserCParser::diagnose(const QString& text) {
@@ -172,7 +184,7 @@ bool SourceBrowserCParser::parseGenericToken(Container& container) {
     case Throw:
         return true;
     case Enum:
-        passTo(';');
+        passEnumeration();
         return true;
     case Typedef:
         parseTypedef(container);
@@ -464,7 +476,7 @@ void SourceBrowserCParser::parseStructDeclarations(Container& container) {
         case ';':
             break;
         case Enum:
-            passTo(';');
+            passEnumeration();
             break;
         case SourceBrowserToken::Struct:
         case Union:

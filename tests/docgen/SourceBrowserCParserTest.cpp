@@ -158,6 +158,7 @@ TEST(SourceBrowserCParser, StructsAndUnions) {
          "n;",
          "struct n{int|a; int|f (int); struct in{int|c}}"},
         {"typedef enum { A, B } e; enum f { C } g; enum h; int a;", "int|a"},
+        {"enum e f(int a) { int b; } int g();", "int|g ()"},
         {"struct s { int a; ", "struct s{int|a}"},
         {"typedef struct { int a; ", ""},
     };
