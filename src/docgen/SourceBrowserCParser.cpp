@@ -145,7 +145,7 @@ void SourceBrowserCParser::attach(SourceBrowserObject& object, const Comment& co
 
 void SourceBrowserCParser::parseTopLevel(Container& container, bool isInBraces) {
     int linkageBraces = 0;
-    bool goesOn = false; // what came before is the beginning of this declaration
+    bool goesOn = false; // a template's head came before
     for (getToken(); m_token != End; getToken()) {
         if (!std::exchange(goesOn, false))
             m_start = line();
@@ -158,10 +158,8 @@ void SourceBrowserCParser::parseTopLevel(Container& container, bool isInBraces) 
             else
                 ungetToken();
         } else {
-            const bool isQualifier = m_token == Const || m_token == Volatile;
-            goesOn = isQualifier || m_token == Template;
-            if (!isQualifier)
-                parseDeclaration(container);
+            goesOn = m_token == Template;
+            parseDeclaration(container);
         }
     }
 }
@@ -211,6 +209,8 @@ void SourceBrowserCParser::parseTypedef(Container& container) {
 }
 
 void SourceBrowserCParser::parseTopLevelToken(Container& container) {
+    while (m_token == Const || m_token == Volatile)
+        getToken();
     switch (m_token) {
     case Namespace:
         parseNamespace(container);
@@ -225,6 +225,9 @@ void SourceBrowserCParser::parseTopLevelToken(Container& container) {
     case SourceBrowserToken::Struct:
     case Union:
         parseContainer(container);
+        break;
+    case '}':
+        ungetToken();
         break;
     default:
         break;
