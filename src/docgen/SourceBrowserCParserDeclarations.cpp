@@ -402,13 +402,12 @@ void SourceBrowserCParser::skipDefault() {
     }
 }
 
-/// All that is pending, each text with a blank behind it. What has no text leaves none, so that the length of
-/// the type tells where the name belongs.
+/// All that is pending, each text with a blank behind it, also where a keyword has no text.
 QString SourceBrowserCParser::fillInParsedType() {
     QString type("");
     for (const Token& token : m_pending) {
         appendText(type, token.text());
-        appendText(type, token.text().empty() ? "" : " ");
+        appendText(type, " ");
     }
     clear();
     return type;
