@@ -413,7 +413,8 @@ QString SourceBrowserCParser::fillInParsedType() {
     return type;
 }
 
-/// The arguments of a function pointer, from the ")" on top to its "(": the names and the sizes of arrays go.
+/// The arguments of a function pointer, from the ")" on top to its "(": the names and the sizes of arrays go. A
+/// word behind another is taken for a name.
 void SourceBrowserCParser::popArgumentList(Tail& tail) {
     const auto pop = [&] {
         const Token token = m_pending.back();
@@ -421,12 +422,9 @@ void SourceBrowserCParser::popArgumentList(Tail& tail) {
         return token;
     };
     int previous = 0;
-    bool mayBeName = true; // each argument has one at most, at its end
     for (int depth = 0; !m_pending.empty();) {
         const Token token = pop();
-        const bool isName =
-            mayBeName && token.code == Identifier && isOneOf(top(), {Identifier, '*', '}', '&'});
-        mayBeName = isOneOf(token.code, {'(', ')', ',', '[', ']'});
+        const bool isName = token.code == Identifier && isOneOf(top(), {Identifier, '*', '}', '&'});
         const bool isLoneVoid = previous == ')' && isTop('(') && token.text() == "void";
         if (!isName && !isLoneVoid)
             tail.prepend(token.text(), token.code != '(');

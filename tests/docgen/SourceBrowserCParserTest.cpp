@@ -84,7 +84,7 @@ TEST(SourceBrowserCParser, Functions) {
         {"int f(int (*cb)(int n, char *s));", "int|f (int ( *cb)(int , char * ))"},
         {"int f(int (*cb)(void), int (*v)(int a[3]));", "int|f (int ( *cb)(), int ( *v)(int [ ] ))"},
         {"int f(void (*cb)(unsigned char c, unsigned long *n));",
-         "int|f (void ( *cb)(unsigned char , unsigned long * ))"},
+         "int|f (void ( *cb)(unsigned , unsigned * ))"},
         {"int f(int (*)(void));", "int|f (int ( *)())"},
         {"int f(int (a));", "int|f (int a)"},
         {"int f(T &r, T *&q);", "int|f (T &r, T * &q)"},
