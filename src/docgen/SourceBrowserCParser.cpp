@@ -183,6 +183,7 @@ bool SourceBrowserCParser::parseGenericToken(Container& container) {
         return true;
     case Enum:
         passEnumeration();
+        m_isStatic = false;
         return true;
     case Typedef:
         parseTypedef(container);

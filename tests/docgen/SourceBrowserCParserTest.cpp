@@ -42,6 +42,7 @@ TEST(SourceBrowserCParser, Variables) {
         {"extern volatile int a;", "int|a"},
         {"static int a;", "static int|a"},
         {"static int a; int b;", "static int|a; int|b"},
+        {"static enum e a; int b;", "int|b"},
         {"const enum e a; volatile static int b;", "e|a; int|b"},
         {"int a = 1;", "int|a"},
         {"int a[] = {1, 2}; int b;", "int []|a; int|b"},
