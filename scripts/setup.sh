@@ -6,7 +6,7 @@ packages=(
     cmake ninja-build g++ qt6-base-dev            # the programs
     clang-19 libelf-dev libdw-dev pkg-config      # the tool chain: what it runs, what it reads with
     mspdebug llvm-19 lld-19 srecord               # the tests of the tool chain
-    libgtest-dev libgmock-dev python3             # the tests
+    libgtest-dev libgmock-dev python3 strace      # the tests; strace lets the system fail under them
     libbenchmark-dev libpugixml-dev libexpat1-dev # the benchmarks and the peers in them
     cmark-gfm                                     # the manual: HTML, and whether its man pages are up to date
     valgrind                                      # the test of what fixed runs cost

@@ -58,6 +58,11 @@ QString entryOf(const QString& path) {
     return directory + path.mid(nameAt);
 }
 
+bool isLink(const QString& path) {
+    const QString resolved = resolvedPath(path);
+    return !resolved.isNull() && resolved != entryOf(path);
+}
+
 /// Whether the source would be gone with the destination.
 bool goesWith(const QString& from, const QString& to) {
     const QString entry = entryOf(to);
@@ -98,17 +103,20 @@ bool BuiltinCommands::getExportableBuiltinCommand(const QString&, const QStringL
     return true;
 }
 
-// The destination goes first: that is what replaces a read-only copy of an earlier build, and a copy that
-// fails leaves no old file behind to be taken for the new one.
+// A read-only copy of an earlier build is replaced, and so is a link. Another process that looks finds the
+// old file or the new one; a copy that fails leaves neither, so that nothing is taken for the new one.
 void BuiltinCommands::cp(const QString& directory, const QString& source, const QString& destination,
                          QString& errorText) {
     const QString from = getAbsPath(directory, source);
     const QString to = getAbsPath(directory, destination);
     const bool ontoItself = goesWith(from, to);
+    if (!ontoItself && isLink(to))
+        QTx::removeFile(to);
+    if (!ontoItself && QTx::copyFile(from, to, false))
+        return;
     if (!ontoItself)
         QTx::removeFile(to);
-    if (ontoItself || !QTx::copyFile(from, to, false))
-        errorText = QString("cp failed: can't copy \"%1\" to \"%2\"").arg(from, to);
+    errorText = QString("cp failed: can't copy \"%1\" to \"%2\"").arg(from, to);
 }
 
 void BuiltinCommands::chmod(const QString& directory, bool writable, const QString& file,

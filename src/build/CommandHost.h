@@ -11,6 +11,8 @@ public:
     /// failed. False if the caller is to run it as a process; the first word of `command` may have been
     /// replaced.
     virtual bool builtinCommand(const QString& directory, QStringList& command, QString& errorText) = 0;
+    /// A command is about to be carried out.
+    virtual void commandBegins() {}
     /// Sets the flag that ends the build.
     virtual void commandFailed() = 0;
 };

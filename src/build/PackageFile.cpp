@@ -85,10 +85,10 @@ struct PackageUpdater::Update {
         if (listener)
             listener->message(text);
     }
-    void carryOut() const;
+    bool carryOut() const;
 };
 
-void PackageUpdater::Update::carryOut() const {
+bool PackageUpdater::Update::carryOut() const {
     QByteArray oldImage;
     const QTx::Decompressed result = QTx::decompressFile(path, oldImage);
     Archive2 old;
@@ -105,7 +105,7 @@ void PackageUpdater::Update::carryOut() const {
         if (status.kind == FileStatus::File)
             contents = files().read(input, Archive2::mostBytes);
         if (!contents || static_cast<quint64>(status.size) > Archive2::mostBytes)
-            return;
+            return false;
         updated.addMember(input, contents.view(), name, 0, static_cast<quint32>(contents.size), 1,
                           packageTime(status));
         message("adding " + input + " to " + title + ".");
@@ -113,8 +113,8 @@ void PackageUpdater::Update::carryOut() const {
         message("removing " + title + ".");
     }
     QByteArray image;
-    if (result != QTx::Decompressed::Refused && updated.write(path, image) == Archive2::Ok)
-        QTx::compressFile(image, path);
+    return result != QTx::Decompressed::Refused && updated.write(path, image) == Archive2::Ok &&
+           QTx::compressFile(image, path);
 }
 
 /// 0 if there is no such member, or its time is unknown.
@@ -151,13 +151,13 @@ bool PackageUpdater::isUpToDate(const Update& update, bool quiet) {
     return false;
 }
 
-void PackageUpdater::addToRemoveFromArchive(const QString& directory, const QString& package,
+bool PackageUpdater::addToRemoveFromArchive(const QString& directory, const QString& package,
                                             const QString& member, const QString& input,
                                             PackageListener* listener, bool quiet, bool replace) {
     const Update update{getAbsPath(directory, package), input, Archive2::storedName(toBytes(member)),
                         package + "(" + member + ")", listener};
     if (!replace && isUpToDate(update, quiet))
-        return;
+        return true;
     m_path = QString();
-    update.carryOut();
+    return update.carryOut();
 }

@@ -48,8 +48,8 @@ public:
     /// Puts `input`, a file, into `package` as `member`, behind all others, or removes that member if `input`
     /// is empty. Unless `replace`, nothing is done if the member is as new as the file. A relative package
     /// counts from `directory`; texts show it as it is given. `listener` may be null, and hears of the
-    /// decision only if not `quiet`.
-    void addToRemoveFromArchive(const QString& directory, const QString& package, const QString& member,
+    /// decision only if not `quiet`. False if the package could not be brought up to date.
+    bool addToRemoveFromArchive(const QString& directory, const QString& package, const QString& member,
                                 const QString& input, PackageListener* listener, bool quiet, bool replace);
 
 private:

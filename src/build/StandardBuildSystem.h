@@ -3,6 +3,7 @@
 #include "build/BuildSystem.h"
 #include "build/CommandHost.h"
 #include "build/PackageFile.h"
+#include "build/UnfinishedStep.h"
 #include "properties/BuildOptions.h"
 
 #include <memory>
@@ -60,7 +61,10 @@ public:
     /// The settings that the tool properties file adds.
     const PropertyLists::ToolProperties& toolProperties() const { return m_options.tools; }
     bool builtinCommand(const QString& directory, QStringList& command, QString& errorText) override;
+    void commandBegins() override { m_unfinished.begin(); }
     void commandFailed() override { setFailed(); }
+    /// Where the step under way is on record, for a later run if this process is killed.
+    void keepRecordsIn(const QString& directory) { m_unfinished.keepRecordsIn(directory); }
 
     BuildAction buildAction(ProjectElement* element, const QString& config);
     static bool isSource(BuildAction action) { return action >= CompileC && action <= Assemble; }
@@ -139,6 +143,7 @@ private:
 
     const BuildOptions m_options;
     PackageUpdater m_packages;
+    UnfinishedStep m_unfinished;
     QHash<QString, DependencyList>
         m_dependencyCache; ///< of objects that were up to date, by their full paths
     /// Of the nodes of the build in hand, in its configuration; no setting changes while it runs.

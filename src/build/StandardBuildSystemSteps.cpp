@@ -85,7 +85,7 @@ private:
     void createCommand(const QStringList& inputs);
     bool makeOutput(const char* caption, Setting command, Setting directory, const MacroMap& macros);
     void setMode(Setting readOnly);
-    void updatePackage(const MacroMap& macros, bool replace);
+    bool updatePackage(const MacroMap& macros, bool replace);
 
     StandardBuildSystem& m_system;
     ProjectElement* m_element;
@@ -107,7 +107,9 @@ private:
 bool StandardBuildSystem::platformBuild(ProjectElement* element, const QString& config, Builder* builder,
                                         int flags) {
     m_knownConfig = config;
-    const auto forget = qScopeGuard([this] {
+    bool isThrough = false;
+    const auto end = qScopeGuard([this, &isThrough] {
+        m_unfinished.end(isThrough);
         m_knownConfig = QString();
         m_known.clear();
     });
@@ -119,7 +121,9 @@ bool StandardBuildSystem::platformBuild(ProjectElement* element, const QString& 
         propertyValueGroups.setGroupFile(groupFile);
     if (!(flags & (BuildFlags::Force | BuildFlags::ThisNodeOnly)))
         expectObjects(element, config);
-    return platformBuild1(element, config, builder, flags);
+    const bool result = platformBuild1(element, config, builder, flags);
+    isThrough = !halted();
+    return result;
 }
 
 /// Lets the objects be fetched, which will all be looked at in this order.
@@ -201,6 +205,10 @@ void StandardBuildSystem::Step::begin() {
 void StandardBuildSystem::Step::look() {
     m_exists =
         m_system.exists(m_system.m_projectDirectory, m_output, m_fullOutput, m_time, m_builder, m_quiet);
+    if (m_exists && UnfinishedStep::isMark(m_time.toSecsSinceEpoch())) {
+        m_system.because(m_output + " was not finished.", m_builder, m_quiet);
+        m_exists = false;
+    }
 }
 
 template<typename Names>
@@ -230,6 +238,7 @@ bool StandardBuildSystem::Step::due(const QString& reason) {
     m_system.reportDue(m_element, m_config, m_output, reason);
     if ((m_flags & BuildFlags::DeleteOutputs) && !m_output.isEmpty())
         m_system.cleanFile(m_fullOutput, m_quiet, m_builder);
+    m_system.m_unfinished.setOutput(m_fullOutput);
     return m_builder && !(m_flags & BuildFlags::RunNoSteps);
 }
 
@@ -425,7 +434,9 @@ bool StandardBuildSystem::Step::stageFile() {
     if (!makeOutput("Copying ", Setting::stage_command, Setting::stage_command_wd, known))
         return false;
     setMode(Setting::stage_set_readonly);
-    updatePackage(known, true);
+    // A command behind the staging may use the package: it runs once more when that is whole.
+    if (!updatePackage(known, true) && !expanded(Setting::stage_post_build_command).isEmpty())
+        m_system.m_unfinished.spoil();
     m_builder->endGroup(m_element);
     return true;
 }
@@ -445,17 +456,19 @@ private:
 
 } // namespace
 
-void StandardBuildSystem::Step::updatePackage(const MacroMap& macros, bool replace) {
+/// False if there is a package that could not be brought up to date.
+bool StandardBuildSystem::Step::updatePackage(const MacroMap& macros, bool replace) {
     const QString package = expanded(Setting::stage_package_filepath);
     if (package.isEmpty() || !m_builder)
-        return;
+        return true;
     const QString member = MacroSystem::replaceMacros(macros, expanded(Setting::stage_package_member_name));
     if (member.isEmpty())
-        return;
+        return true;
     PackageMessages messages(*m_builder);
-    m_system.m_packages.addToRemoveFromArchive(m_system.m_projectDirectory, package, member, m_fullOutput,
-                                               &messages, m_quiet, replace);
+    const bool isDone = m_system.m_packages.addToRemoveFromArchive(
+        m_system.m_projectDirectory, package, member, m_fullOutput, &messages, m_quiet, replace);
     m_system.forgetFiles();
+    return isDone;
 }
 
 bool StandardBuildSystem::Step::combine() {

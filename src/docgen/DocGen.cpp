@@ -7,6 +7,8 @@
 #include "macros/Path.h"
 #include "macros/QTx.h"
 
+#include <cerrno>
+
 namespace {
 
 constexpr const char* pageStart = "<html>\n"
@@ -89,11 +91,12 @@ void DocGen::generateHeader(const Path& input, std::string_view bytes, const QSt
         document(*container, outputDirectory);
 
     const QString name = input.baseName();
-    write(outputDirectory, name, ".htm",
-          page("&lt;" + displayedName(input.fileName()) + "&gt;", generateBody()));
     write(outputDirectory, name, ".xml",
           "<contents>\n<content url=\"" + name.toHtmlEscaped() + ".htm\">\n" + m_contents +
               "</content>\n</contents>\n");
+    // Last: where it is new, all others are.
+    write(outputDirectory, name, ".htm",
+          page("&lt;" + displayedName(input.fileName()) + "&gt;", generateBody()));
 }
 
 /// The page of one object, and its entry in the contents, if it is documented.
@@ -106,15 +109,17 @@ void DocGen::document(const SourceBrowserObject& object, const QString& outputDi
     write(outputDirectory, object.name(), ".htm", page(object.name().toHtmlEscaped(), body));
 }
 
-/// A name that would lead out of the directory can't be written.
+/// A name that would lead out of the directory can't be written. Behind a page for which the disk had no room
+/// none follows, so that the index page stays as old as it was, and the next build makes them all.
 void DocGen::write(const QString& outputDirectory, const QString& name, const char* extension,
                    const QString& contents) {
     m_isFull = m_written + contents.size() > mostBytes;
-    if (m_isFull || name.contains(u'/'))
+    if (m_isFull || m_hasNoRoom || name.contains(u'/'))
         return;
     m_written += contents.size();
     const QByteArray bytes = pageBytes(contents);
-    files().replaceUnsynced(outputDirectory + u'/' + name + extension, viewOf(bytes));
+    const int error = files().replaceUnsynced(outputDirectory + u'/' + name + extension, viewOf(bytes));
+    m_hasNoRoom = error == ENOSPC || error == EDQUOT || error == EIO;
 }
 
 QString DocGen::generateBody() const {

@@ -36,4 +36,5 @@ private:
     QString m_contents; ///< the entries of the file of contents
     qint64 m_written = 0;
     bool m_isFull = false;
+    bool m_hasNoRoom = false;
 };

@@ -84,6 +84,7 @@ int run(int argc, char** argv) {
     ProjectElement* element = chosenElement(options);
     requireConfiguration(element, options);
 
+    engine->keepRecordsIn(tarnLocalDataDir());
     Console console;
     OstmakeBuilder builder(*engine, console, options.echo || options.show, options.show);
     engine->build(element, options.config, &builder, buildFlags(options), true, options.batch);

@@ -55,6 +55,7 @@ void OstmakeBuilder::doit() {
     // A signal waits until the command is through: what the engine does itself is then whole, and what a tool
     // has begun is gone.
     const Interruption interruption;
+    m_host.commandBegins();
     QString errorText;
     if (!m_host.builtinCommand(m_directory, m_command, errorText)) {
         runTool();

@@ -63,10 +63,13 @@ public:
     }
     virtual int remove(const QString& path) = 0;
     /// Copies a file's contents, times and permissions (less the process's umask) to `to`, in whole or not at
-    /// all. A file already there must be writable, and a link there stays a link; EINVAL if it is `from`.
+    /// all. A file already there is replaced, read-only or not; a link stays a link. EINVAL if it is `from`.
     virtual int copy(const QString& from, const QString& to) = 0;
     /// Sets or clears the owner's permission to write; the file must be readable.
     virtual int setWritable(const QString& path, bool writable) = 0;
+    /// Gives the file a time of modification before that of any other. A file with further names is removed
+    /// instead, which leaves them as they are; behind a link nothing is changed.
+    virtual int makeOldest(const QString& path) = 0;
     /// Makes one directory; its parent must be there.
     virtual int makeDirectory(const QString& path) = 0;
 

@@ -10,6 +10,8 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <optional>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -30,9 +32,6 @@ FileBytes failure(FileBytes::Result result, int error) {
     bytes.error = error;
     return bytes;
 }
-
-/// The temporary name lies beside the file, so that the rename stays within one file system.
-QByteArray temporaryNameFor(const QByteArray& target) { return target + ".XXXXXX"; }
 
 int writeAll(int descriptor, std::string_view contents) {
     while (!contents.empty()) {
@@ -65,12 +64,79 @@ mode_t processMask() {
     return mask;
 }
 
-/// The permissions that a new file gets where an old one stood, or those of any new file.
-mode_t modeFor(const QByteArray& target) {
-    struct stat old {};
-    if (::stat(target.constData(), &old) == 0)
-        return old.st_mode & 07777;
-    return 0666 & ~processMask();
+/// A name in the directory of `target`, so that the rename stays within one file system, and no longer than
+/// names may be.
+QByteArray temporaryName(const QByteArray& target, int number) {
+    const QByteArray end = ".ostmake-" + QByteArray::number(number) + "~";
+    return target.left(target.lastIndexOf('/') + 1 + NAME_MAX - end.size()) + end;
+}
+
+/// Locks the file for as long as the descriptor is open, without waiting. False if another process has it, or
+/// if `name` no longer leads to it.
+bool claim(const Descriptor& file, const QByteArray& name) {
+    struct stat own {};
+    struct stat named {};
+    return (::flock(file.number(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) &&
+           ::fstat(file.number(), &own) == 0 && ::lstat(name.constData(), &named) == 0 &&
+           own.st_dev == named.st_dev && own.st_ino == named.st_ino;
+}
+
+/// Removes what a process has left that was killed in the midst of writing. False if it is still at it.
+bool removeLeft(const QByteArray& name) {
+    const Descriptor file(::open(name.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    return file.isOpen() && ::flock(file.number(), LOCK_EX | LOCK_NB) == 0 && claim(file, name) &&
+           ::unlink(name.constData()) == 0;
+}
+
+/// Opens a new file that is to stand in the place of `target`, and gives its name. Several processes may
+/// write the same file: each has the lock on its own, which the system drops with the process. Closed, with
+/// errno set, if that fails.
+Descriptor openTemporary(const QByteArray& target, QByteArray& name) {
+    constexpr int mostNames = 100;
+    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+    for (int number = 1; number <= mostNames; ++number) {
+        name = temporaryName(target, number);
+        Descriptor file(::open(name.constData(), flags, 0666));
+        if (!file.isOpen() && errno == EEXIST) {
+            if (!removeLeft(name))
+                continue;
+            file = Descriptor(::open(name.constData(), flags, 0666));
+        }
+        if (file.isOpen() ? claim(file, name) : errno != EEXIST)
+            return file;
+    }
+    errno = EEXIST;
+    return Descriptor();
+}
+
+/// What the system keeps back of what was written, to find that there is no room, it tells at a close.
+int flush(int file) {
+    const int second = ::dup(file);
+    return second >= 0 && ::close(second) == 0 ? 0 : errno;
+}
+
+enum class Until { Written, OnDisk };
+
+/// `fill` writes a new file, by its descriptor, that then stands in the place of `target`, with `mode` or
+/// else with the permissions of any new file. Whatever fails, the old file is whole and nothing else is left.
+template<class Fill>
+int putInPlace(const QByteArray& target, std::optional<mode_t> mode, Until until, Fill fill) {
+    QByteArray temporary;
+    const Descriptor file = openTemporary(target, temporary);
+    if (!file.isOpen())
+        return errno;
+    int error = fill(file.number());
+    if (error == 0 && mode && ::fchmod(file.number(), *mode) != 0)
+        error = errno;
+    if (error == 0 && until == Until::OnDisk && ::fsync(file.number()) != 0)
+        error = errno;
+    if (error == 0)
+        error = flush(file.number());
+    if (error == 0 && ::rename(temporary.constData(), target.constData()) != 0)
+        error = errno;
+    if (error != 0)
+        ::unlink(temporary.constData()); // it is ours as long as it is open
+    return error;
 }
 
 /// The file to which a name leads, through links; the name itself if there is none yet.
@@ -79,26 +145,24 @@ QByteArray behindLinks(const QString& path) {
     return toBytes(resolved.isNull() ? path : resolved);
 }
 
-/// `fill` writes a new file, by its descriptor, that then stands in the place of `target`. Whatever fails,
-/// the old file is whole and nothing else is left.
-template<class Fill>
-int putInPlace(const QByteArray& target, mode_t mode, Fill fill) {
-    QByteArray temporary = temporaryNameFor(target);
-    Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
-    if (!file.isOpen())
-        return errno;
-    int error = fill(file.number());
-    if (error == 0 && ::fchmod(file.number(), mode) != 0)
-        error = errno;
-    if (error == 0 && ::fsync(file.number()) != 0)
-        error = errno;
-    if (const int closed = file.close(); error == 0)
-        error = closed;
-    if (error == 0 && ::rename(temporary.constData(), target.constData()) != 0)
-        error = errno;
-    if (error != 0)
-        ::unlink(temporary.constData());
-    return error;
+// Few calls of the system: there may be thousands of such files.
+int putContents(const QString& path, std::string_view contents, Until until) {
+    QByteArray target = toBytes(path);
+    std::optional<mode_t> mode;
+    struct stat old {};
+    bool isThere = ::lstat(target.constData(), &old) == 0;
+    if (isThere && S_ISLNK(old.st_mode)) {
+        target = behindLinks(path);
+        isThere = ::stat(target.constData(), &old) == 0;
+    }
+    if (isThere && !S_ISREG(old.st_mode) && !S_ISDIR(old.st_mode)) {
+        // A device or a pipe takes what it gets, and stays.
+        const Descriptor file(::open(target.constData(), O_WRONLY | O_CLOEXEC));
+        return file.isOpen() ? writeAll(file.number(), contents) : errno;
+    }
+    if (isThere)
+        mode = old.st_mode & 07777;
+    return putInPlace(target, mode, until, [&](int file) { return writeAll(file, contents); });
 }
 
 class HostFiles : public FileAccess {
@@ -111,6 +175,7 @@ public:
     int remove(const QString& path) override;
     int copy(const QString& from, const QString& to) override;
     int setWritable(const QString& path, bool writable) override;
+    int makeOldest(const QString& path) override;
     int makeDirectory(const QString& path) override {
         return ::mkdir(toBytes(path).constData(), 0777) == 0 ? 0 : errno;
     }
@@ -227,38 +292,17 @@ int HostFiles::remove(const QString& path) {
 
 int HostFiles::replace(const QString& path, std::string_view contents) {
     m_ahead.forget();
-    const QByteArray target = behindLinks(path);
     // What is written again and again without a change, such as settings, need not wait for the disk.
-    if (holds(path, contents) && ::utimensat(AT_FDCWD, target.constData(), nullptr, 0) == 0)
+    if (holds(path, contents) && ::utimensat(AT_FDCWD, toBytes(path).constData(), nullptr, 0) == 0) {
+        removeLeft(temporaryName(behindLinks(path), 1));
         return 0;
-    return putInPlace(target, modeFor(target), [&](int file) { return writeAll(file, contents); });
+    }
+    return putContents(path, contents, Until::OnDisk);
 }
 
-// Few calls of the system: there may be thousands of such files.
 int HostFiles::replaceUnsynced(const QString& path, std::string_view contents) {
     m_ahead.forget();
-    QByteArray target = toBytes(path);
-    struct stat old {};
-    const bool isThere = ::lstat(target.constData(), &old) == 0;
-    if (isThere && S_ISLNK(old.st_mode)) {
-        target = behindLinks(path);
-        if (::stat(target.constData(), &old) != 0)
-            old.st_mode = 0;
-    }
-    const QByteArray temporary = target + '.' + QByteArray::number(::getpid()) + "~";
-    Descriptor file(::open(temporary.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    if (!file.isOpen())
-        return errno;
-    int error = writeAll(file.number(), contents);
-    if (error == 0 && isThere && old.st_mode != 0 && ::fchmod(file.number(), old.st_mode & 07777) != 0)
-        error = errno;
-    if (const int closed = file.close(); error == 0)
-        error = closed;
-    if (error == 0 && ::rename(temporary.constData(), target.constData()) != 0)
-        error = errno;
-    if (error != 0)
-        ::unlink(temporary.constData());
-    return error;
+    return putContents(path, contents, Until::Written);
 }
 
 // The source may be a pipe that nobody writes to, which must not stop us.
@@ -271,9 +315,8 @@ int HostFiles::copy(const QString& from, const QString& to) {
     const QByteArray target = behindLinks(to);
     if (target == behindLinks(from))
         return EINVAL;
-    if (::access(target.constData(), W_OK) != 0 && errno != ENOENT)
-        return errno;
-    return putInPlace(target, info.st_mode & 07777 & ~processMask(), [&](int file) {
+    const mode_t mode = info.st_mode & 07777 & ~processMask();
+    return putInPlace(target, mode, Until::OnDisk, [&](int file) {
         const timespec times[] = {info.st_atim, info.st_mtim};
         const int error = copyAll(source.number(), file);
         return error != 0 || ::futimens(file, times) == 0 ? error : errno;
@@ -287,6 +330,21 @@ int HostFiles::setWritable(const QString& path, bool writable) {
         return errno;
     const mode_t others = info.st_mode & 07777 & ~mode_t{S_IWUSR};
     return ::fchmod(file.number(), writable ? others | S_IWUSR : others) == 0 ? 0 : errno;
+}
+
+// The system takes the nearest time that the file system knows.
+int HostFiles::makeOldest(const QString& path) {
+    m_ahead.forget();
+    const QByteArray name = toBytes(path);
+    struct stat info {};
+    if (::lstat(name.constData(), &info) != 0)
+        return errno;
+    if (S_ISLNK(info.st_mode))
+        return ELOOP;
+    if (info.st_nlink > 1)
+        return ::unlink(name.constData()) == 0 ? 0 : errno;
+    const timespec times[] = {{0, UTIME_OMIT}, {INT32_MIN, 0}};
+    return ::utimensat(AT_FDCWD, name.constData(), times, AT_SYMLINK_NOFOLLOW) == 0 ? 0 : errno;
 }
 
 HostFiles hostFiles;

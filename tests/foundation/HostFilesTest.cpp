@@ -1,9 +1,12 @@
+#include "foundation/Descriptor.h"
 #include "foundation/FileAccess.h"
 #include "foundation/Text.h"
 #include "support/TemporaryDirectory.h"
 
 #include <fcntl.h>
+#include <fstream>
 #include <gmock/gmock.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -69,6 +72,48 @@ TEST_F(HostFiles, ReplacingContentsByThemselvesRenewsTheTimeAlone) {
     EXPECT_GT(after.st_mtim.tv_sec, 1000);
     EXPECT_EQ(files().replace(at("a"), "diff"), 0);
     EXPECT_EQ(contents(at("a")), "diff");
+}
+
+TEST_F(HostFiles, TakesOverWhatAKilledProcessHasLeftAndNothingElse) {
+    const auto place = [&](const char* name) { return dir.bytes() + "/" + name; };
+    std::ofstream(place("a.ostmake-1~")) << "left by one that was killed";
+    EXPECT_EQ(files().replace(at("a"), "1"), 0);
+    EXPECT_EQ(contents(at("a")), "1");
+    EXPECT_THAT(files().list(dir.path()), testing::ElementsAre("a"));
+    std::ofstream(place("a.ostmake-1~")) << "left again";
+    EXPECT_EQ(files().replace(at("a"), "1"), 0);
+    EXPECT_THAT(files().list(dir.path()), testing::ElementsAre("a"));
+
+    const Descriptor other(::open(place("a.ostmake-1~").c_str(), O_WRONLY | O_CREAT, 0600));
+    ASSERT_EQ(::flock(other.number(), LOCK_EX), 0); // it is still at it
+    EXPECT_EQ(files().replaceUnsynced(at("a"), "2"), 0);
+    EXPECT_EQ(contents(at("a")), "2");
+    EXPECT_THAT(files().list(dir.path()), testing::UnorderedElementsAre("a", "a.ostmake-1~"));
+}
+
+TEST_F(HostFiles, WritesIntoDevicesAndPipesAndBehindLongNames) {
+    ASSERT_EQ(::symlink("/dev/full", (dir.bytes() + "/full").c_str()), 0);
+    EXPECT_EQ(files().replaceUnsynced(at("full"), "x"), ENOSPC);
+    EXPECT_EQ(files().status(at("full")).kind, FileStatus::Other);
+    const QString longest(dir.path() + "/" + QString(255, 'n'));
+    EXPECT_EQ(files().replace(longest, "x"), 0);
+    EXPECT_EQ(contents(longest), "x");
+    EXPECT_EQ(files().replace(longest + "n", "x"), ENAMETOOLONG);
+    EXPECT_EQ(files().list(dir.path()).size(), 2);
+}
+
+TEST_F(HostFiles, WhatIsMadeOldestIsNobodyElsesFile) {
+    files().replace(at("a"), "1");
+    EXPECT_EQ(files().makeOldest(at("a")), 0);
+    EXPECT_LT(files().status(at("a")).modified, 0);
+    files().replace(at("source"), "2");
+    ASSERT_EQ(::symlink("source", (dir.bytes() + "/link").c_str()), 0);
+    EXPECT_NE(files().makeOldest(at("link")), 0);
+    ASSERT_EQ(::link((dir.bytes() + "/source").c_str(), (dir.bytes() + "/name").c_str()), 0);
+    EXPECT_EQ(files().makeOldest(at("name")), 0);
+    EXPECT_FALSE(files().status(at("name")).exists());
+    EXPECT_GT(files().status(at("source")).modified, 0);
+    EXPECT_EQ(files().makeOldest(at("none")), ENOENT);
 }
 
 TEST_F(HostFiles, ReadsAPipeToItsEnd) {

@@ -94,9 +94,8 @@ public:
         const auto source = m_files.constFind(from);
         if (m_error != 0 || source == m_files.constEnd())
             return m_error != 0 ? m_error : ENOENT;
-        const auto old = m_files.constFind(to);
-        if (from == to || (old != m_files.constEnd() && !old->writable))
-            return from == to ? EINVAL : EACCES;
+        if (from == to)
+            return EINVAL;
         const File copied = *source;
         const int error = replace(to, viewOf(copied.contents));
         if (error == 0)
@@ -107,6 +106,12 @@ public:
     int setWritable(const QString& path, bool writable) override {
         if (m_error == 0 && m_files.contains(path))
             m_files[path].writable = writable;
+        return m_error == 0 && !m_files.contains(path) ? ENOENT : m_error;
+    }
+
+    int makeOldest(const QString& path) override {
+        if (m_error == 0 && m_files.contains(path))
+            m_files[path].modified = INT64_MIN;
         return m_error == 0 && !m_files.contains(path) ? ENOENT : m_error;
     }
 

@@ -32,8 +32,8 @@ bool linkProgram(Tool& tool, const LinkOptions& options) {
     const std::optional<LinkResult> result = linkInMemory(tool, options);
     if (!result)
         return false;
-    writeOutput(options.output, result->executable);
     if (!options.mapFile.empty())
         writeOutput(options.mapFile, result->map);
+    writeOutput(options.output, result->executable); // last: a new executable has its map beside it
     return true;
 }

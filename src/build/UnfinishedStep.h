@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// The step under way, whose output doesn't count before the step is through, whatever its time: it may be
+/// half written, or what follows its making may not have run. If it doesn't come to its end, the output gets
+/// a time older than anything that it can be made from, so that the next build makes it anew.
+///
+/// A process that is killed can't see to that. So the output is on record, in a file of the process, until
+/// another step takes its place there or the project is through; the next run finds the record. In between
+/// the last step stands for those above it, which are due because it was.
+class UnfinishedStep {
+public:
+    /// Whether a file of this time, in seconds, is the output of a step that did not come to its end.
+    static bool isMark(qint64 time) { return time < -(qint64{1} << 30); }
+
+    /// Keeps records in the directory, where those of processes that have ended are looked at first. None are
+    /// kept before, nor where they can't be written.
+    void keepRecordsIn(const QString& directory);
+    /// The output of the next step, by its full path; empty if it has none of its own.
+    void setOutput(const QString& path) { m_next = path; }
+    /// A command of the step is about to run.
+    void begin();
+    /// The step has not done all that it should, though the build goes on.
+    void spoil();
+    /// The steps of a project are through, or the build stops here.
+    void end(bool isThrough);
+
+private:
+    QString m_next;
+    QString m_output;    ///< on record; null if there is none
+    QByteArray m_before; ///< its status as the step found it
+    QString m_record;    ///< the path of our record; null if none are kept
+};
