@@ -27,7 +27,7 @@ def settle(builder):
     now = time.time()
     for path in builder.where.rglob("*.[ch]"):
         os.utime(path, (now - 1000, now - 1000))
-    run(builder, builder.build())
+    run(builder, builder.first_build())
     if builder.compares_times:
         for path in outputs(builder):
             os.utime(path, (now - 500, now - 500))

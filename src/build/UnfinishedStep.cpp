@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr const char* recordName = "unfinished-"; // the number of the process and its start follow
+constexpr const char* recordName = "unfinished-"; // the process, its start, and a number of the record follow
 
 /// When a process was started, in the system's own count; empty if there is no such process.
 QString startOf(const QString& process) {
@@ -48,33 +48,37 @@ void UnfinishedStep::keepRecordsIn(const QString& directory) {
     const QString start = startOf(self);
     if (start.isEmpty())
         return; // nothing would tell which records are of processes that still run
-    m_record = directory + "/" + recordName + self + "-" + start;
+    m_records = directory + "/" + recordName + self + "-" + start + "-";
     for (const QString& name : files().list(directory)) {
         if (!name.startsWith(QLatin1String(recordName)))
             continue;
         const QString path = directory + "/" + name;
         const QStringList parts = name.split(u'-');
-        const QString theirStart = parts.value(2).section(u'.', 0, 0);
-        if (startOf(parts[1]) == theirStart)
+        if (startOf(parts[1]) == parts.value(2))
             continue;
-        if (theirStart == parts.value(2)) // else it is the beginning of a record
+        if (parts.size() == 4) // else it is the beginning of a record
             recover(path);
         files().remove(path);
     }
 }
 
+// Each record is a new file, and the last one goes when it is there: what takes the place of a file some file
+// systems write to the disk at once, which costs a millisecond for every step.
 void UnfinishedStep::begin() {
     if (m_next.isEmpty())
         return;
     m_output = std::exchange(m_next, QString());
     m_before = statusOf(m_output);
-    if (m_record.isNull())
+    if (m_records.isNull())
         return;
+    const QString former = std::exchange(m_record, m_records + (m_record.endsWith(u'1') ? "2" : "1"));
     const QByteArray text = m_before + '\n' + toBytes(m_output);
     if (files().replaceUnsynced(m_record, viewOf(text)) == ENOENT) {
         Path::ensureDirExists(m_record);
         files().replaceUnsynced(m_record, viewOf(text));
     }
+    if (!former.isNull())
+        files().remove(former);
 }
 
 void UnfinishedStep::spoil() {
@@ -83,11 +87,10 @@ void UnfinishedStep::spoil() {
 }
 
 void UnfinishedStep::end(bool isThrough) {
-    if (m_output.isNull())
-        return;
     if (!isThrough)
         spoil();
     if (!m_record.isNull())
         files().remove(m_record);
+    m_record = QString();
     m_output = QString();
 }

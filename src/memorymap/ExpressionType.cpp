@@ -231,14 +231,12 @@ ExpressionType ExpressionType::shifted(Operator op, const ExpressionType& left, 
         throw ParserException("integer shift value expected");
     const uint64_t count =
         right.m_kind == Signed ? static_cast<uint64_t>(right.getInteger()) : right.getUInteger();
-    ExpressionType result = left;
-    if (op == Operator::Lshift)
-        result.m_bits = count > 63 ? 0 : left.m_bits << count;
-    else if (left.m_kind == Signed)
-        result.m_bits = static_cast<uint64_t>(static_cast<int64_t>(left.m_bits) >> (count > 63 ? 63 : count));
-    else
-        result.m_bits = count > 63 ? 0 : left.m_bits >> count;
-    return result;
+    uint64_t bits = 0;
+    if (op == Operator::Rshift && left.m_kind == Signed)
+        bits = static_cast<uint64_t>(static_cast<int64_t>(left.m_bits) >> (count > 63 ? 63 : count));
+    else if (count <= 63)
+        bits = op == Operator::Lshift ? left.m_bits << count : left.m_bits >> count;
+    return {left.m_kind, left.m_size, bits};
 }
 
 ExpressionType ExpressionType::compared(Operator op, const ExpressionType& right) const {

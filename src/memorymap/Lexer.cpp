@@ -4,6 +4,7 @@
 #include "memorymap/ParserException.h"
 
 #include <charconv>
+#include <cstdlib>
 #include <limits>
 
 void Lexer::reset(std::string_view text) {
@@ -45,9 +46,7 @@ int64_t Lexer::hexTok() const {
 }
 
 double Lexer::doubleTok() const {
-    double value = 0;
-    const auto [end, error] = std::from_chars(m_token.data(), m_token.data() + m_token.size(), value);
-    return error == std::errc::result_out_of_range ? std::numeric_limits<double>::infinity() : value;
+    return std::strtod(std::string(m_token).c_str(), nullptr); // unlike from_chars tells tiny from huge
 }
 
 std::string Lexer::strTok() const { return std::string(m_token.substr(1, m_token.size() - 2)); }

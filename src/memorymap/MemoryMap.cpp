@@ -39,6 +39,7 @@ bool MemoryMap::load(const QString& path, const QString& macros, bool preprocess
     m_preprocess = preprocess;
     m_macros = macros;
     m_fileName = QString();
+    m_loaded = 0;
     MemoryMapElement* loaded = load1(path);
     setRoot(loaded);
     if (!loaded)

@@ -11,13 +11,12 @@ The blocks of the page that are marked are carried out from its top down, in a n
                                         these libraries of the runtime are there
 
 The page writes /home/me for the directory, and /opt/ostmake for the installed tree, which TREE becomes. `ostmake` and
-`ostquery` are those of the tree. A command stays as it is if its program is not installed here; without the
-compiler nothing runs, and the status is 77. With --accept the page is written anew with what the commands print.
+`ostquery` are those of the tree. Commands of the simulator are left out where it is not installed; without the compiler
+nothing runs, and the status is 77. With --accept the page is written anew with what the commands print.
 """
 import os
 import pathlib
 import re
-import shlex
 import shutil
 import subprocess
 import sys
@@ -57,8 +56,8 @@ class Reader:
         file.write_text("".join(line + "\n" for line in lines))
 
     def lacks(self, command):
-        return not re.match(r"\w+=", command) and not shutil.which(shlex.split(command)[0], path=self.environment["PATH"]) \
-            and command.split()[0] not in ("cd", "alias")
+        """Whether the command is one of the simulator, and there is none."""
+        return command.startswith("mspdebug ") and not shutil.which("mspdebug", path=self.environment["PATH"])
 
     def run(self, command):
         """The lines that a command prints."""

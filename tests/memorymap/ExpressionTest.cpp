@@ -116,6 +116,8 @@ TEST(Expression, LeftOperandDecidesTheType) {
         {"0-(0-1.5)", "1 long long"},
         {"2 + -1.9", "1 long long"},
         {"-1.5", "-1.500000 double"},
+        {"0." + repeated("0", 400) + "1", "0.000000 double"},
+        {repeated("9", 400) + ".0", "inf double"},
         {"1.5 > 1", "true boolean"},
         {"1.0 / 0", "! divide by zero"},
         {"1.0 / 0.0", "! divide by zero"},
@@ -253,6 +255,9 @@ TEST(Expression, NarrowOperandsAreWidenedForTheLeftOne) {
               UINT64_MAX / 2);
     EXPECT_EQ(T::binary(Operator::Rshift, T::ofUnsigned(UINT64_MAX), T::ofSigned(63)).getUInteger(), 1u);
     EXPECT_TRUE(T::binary(Operator::Gt, T::ofUnsigned(UINT64_MAX), T::ofSigned(1)).getUInteger());
+    T flagged = T::ofSigned(1);
+    flagged.setFlags(1);
+    EXPECT_EQ(T::binary(Operator::Lshift, flagged, T::ofSigned(1)).flags(), 0) << "a host's stay behind";
 }
 
 TEST(Expression, LeftoverBeginsWhereTheParserStops) {

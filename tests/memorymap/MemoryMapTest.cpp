@@ -234,6 +234,9 @@ TEST_F(MemoryMapTest, DeepAndSelfImportingFilesEnd) {
     ASSERT_TRUE(load(self + "</Root>"));
     ASSERT_EQ(map.warnings.size(), 1);
     EXPECT_THAT(map.warnings.first().toStdString(), HasSubstr("grows too large"));
+    disk.write("/m/part.xml", "<MemorySegment name=\"RAM\"/>");
+    ASSERT_TRUE(load("<Root><Import filename=\"part.xml\"/></Root>"));
+    EXPECT_NE(map.getSegment("RAM"), nullptr) << "the next load has the whole bound again";
 }
 
 class OpenFiles : public MemoryMapTest {

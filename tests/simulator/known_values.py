@@ -43,7 +43,7 @@ def main():
     prepare(binaries, root, work)
     here = pathlib.Path(__file__).parent / "known"
     copy_newer(here, work / "known")
-    for header in sorted((work / "include" / "devices").iterdir()):
+    for header in sorted((work / "include" / "devices").glob("MSP430*.h")):
         run(work / "bin" / "qcomp", "-we", "-ansi", "-O-9", f"-D__TARGET_PROCESSOR={header.stem}", f"-J{work / 'include'}",
             work / "known" / "device.c", "-o", work / f"{header.stem}.vko")
     ostmake = work / "bin" / "ostmake"

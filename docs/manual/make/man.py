@@ -27,7 +27,7 @@ PAGES = {
                  ("INDIRECT FILES", "options.md", "Indirect files"), ("EXIT STATUS", "options.md", "Exit status"),
                  ("EXAMPLES", "options.md", "Examples"), ("FILES", "options.md", "Files")]),
     "ostquery": ("look into what ostmake works on",
-                 [("SYNOPSIS", "ostquery.md", "synopsis"), ("DESCRIPTION", "ostquery.md", ""), *(
+                 [("SYNOPSIS", "ostquery.md", "synopsis"), ("DESCRIPTION", "ostquery.md", ""), ("OPTIONS", "ostquery.md", "Options"), *(
                      (name.upper(), "ostquery.md", name) for name in (
                          "tree", "settings", "catalogue", "configurations", "order", "macros", "why", "memory", "object", "package",
                          "symbols"))]),
@@ -87,10 +87,12 @@ def guarded(text):
 
 
 def row(header, cells):
-    """A row as a tagged paragraph: the first cell, then the others; a cell "x" stands for the head of its column."""
+    """A row as a tagged paragraph: the first cell, then the last one, with those between in parentheses; a cell "x" stands for
+    the head of its column."""
     marks = [head for head, cell in zip(header[1:], cells[1:]) if cell == "x"]
     rest = [cell for cell in cells[1:] if cell not in ("x", "")]
-    told = (f"({', '.join(marks)}) " if marks else "") + "; ".join(rest)
+    between = marks + rest[:-1]
+    told = (f"({', '.join(between)}) " if between else "") + "".join(rest[-1:])
     return f".TP\n{guarded(cells[0])}\n{guarded(told)}" if cells[0] else f".PP\n{guarded(told)}"
 
 

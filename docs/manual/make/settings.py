@@ -82,7 +82,7 @@ class Build:
             "</solution>\n")
         words = [self.ostmake, "-config", "Debug", "-show", "-tarndir", "/$", "-packagesdir", "packages", "app.vkp"]
         shown = subprocess.run(words, cwd=self.directory, capture_output=True, text=True, check=True,
-                               env={"HOME": str(self.directory), "PATH": os.environ["PATH"]}).stdout
+                               env={**os.environ, "HOME": str(self.directory)}).stdout
         found = collections.defaultdict(list)
         for line in shown.replace("/$/", "$(TarnDir)/").replace(f"{self.directory}/", "/app/").split("\n")[1:]:
             tool, _, rest = line.strip().partition(" ")
