@@ -413,8 +413,8 @@ QString SourceBrowserCParser::fillInParsedType() {
     return type;
 }
 
-/// The arguments of a function pointer, from the ")" on top to its "(": the names and the sizes of arrays go. A
-/// word behind another is taken for a name.
+/// The arguments of a function pointer, from the ")" on top to its "(": the names and the sizes of arrays go.
+/// A word behind another is taken for a name.
 void SourceBrowserCParser::popArgumentList(Tail& tail) {
     const auto pop = [&] {
         const Token token = m_pending.back();
