@@ -98,11 +98,11 @@ HString* HString::intern(const char* text, int length, unsigned modifier) {
     for (HString* record = bucketOf(hash); record; record = record->m_next, ++seen)
         if (record->m_hash == hash && record->view() == wanted)
             return record;
-    const bool bucketIsFull = seen >= bucketLimit;
-    if (bucketIsFull)
+    // Also where the bucket is no longer full, since the table has grown.
+    if (!overflow().empty())
         if (const auto found = overflow().find(wanted); found != overflow().end())
             return found->second;
-    return add(hash, wanted, bucketIsFull);
+    return add(hash, wanted, seen >= bucketLimit);
 }
 
 HString* HString::intern(const char* text, unsigned modifier) {

@@ -62,3 +62,11 @@ TEST(HString, TextsOfOneHashStayFastAndDifferent) {
     for (int i = 0; i < 50'000; ++i)
         EXPECT_TRUE(records.count(HString::intern(std::to_string(i) + tail, HString::AsIs)));
 }
+
+TEST(HString, TextsAreFoundAgainWhenTheTableHasGrown) {
+    std::vector<const HString*> texts;
+    for (int i = 0; i < 200'000; ++i)
+        texts.push_back(HString::intern("grown " + std::to_string(i), HString::AsIs));
+    for (size_t i = 0; i < texts.size(); ++i)
+        ASSERT_EQ(HString::intern("grown " + std::to_string(i), HString::AsIs), texts[i]);
+}
