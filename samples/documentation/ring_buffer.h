@@ -124,6 +124,6 @@ unsigned ring_count(const ring_t *ring);
 \step Each is taken out and handed over.
 \step What comes in meanwhile stays for the next call.
 */
-int ring_drain(ring_t *ring, int (*take)(void *context, unsigned char byte), void *context);
+int ring_drain(ring_t *ring, int (*take)(void *context, int byte), void *context);
 
 #endif

@@ -20,19 +20,21 @@ QString fileNameOf(const QString& path) { return path.mid(path.lastIndexOf(u'/')
 
 /// Runs of white space become one blank, the ends are trimmed, and line breaks stay.
 QString cleaned(const QString& comment) {
-    QString text;
-    text.reserve(comment.size());
+    QString text(comment.size(), Qt::Uninitialized);
+    QChar* const begin = text.data();
+    QChar* end = begin;
     bool isPending = false;
     for (const QChar c : comment) {
         if (c.isSpace() && c != u'\n') {
-            isPending = !text.isEmpty();
+            isPending = end != begin;
             continue;
         }
         if (isPending)
-            text += u' ';
+            *end++ = u' ';
         isPending = false;
-        text += c;
+        *end++ = c;
     }
+    text.truncate(end - begin);
     return text;
 }
 

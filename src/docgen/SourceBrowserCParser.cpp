@@ -110,6 +110,18 @@ void SourceBrowserCParser::passTo(int code) {
     }
 }
 
+/// To the ";" of an enumeration. A block behind arguments is the body of a function, and ends it too.
+void SourceBrowserCParser::passEnumeration() {
+    for (bool hasArguments = false; m_token != ';' && m_token != End; getToken()) {
+        hasArguments = hasArguments || m_token == '(';
+        if (m_token != '{')
+            continue;
+        skipBlock();
+        if (hasArguments)
+            return;
+    }
+}
+
 QString SourceBrowserCParser::identifier() const { return toText(m_lexer->identifier()); }
 
 void SourceBrowserCParser::diagnose(const QString& text) {
@@ -133,7 +145,7 @@ void SourceBrowserCParser::attach(SourceBrowserObject& object, const Comment& co
 
 void SourceBrowserCParser::parseTopLevel(Container& container, bool isInBraces) {
     int linkageBraces = 0;
-    bool goesOn = false; // what came before is the beginning of this declaration
+    bool goesOn = false; // a template's head came before
     for (getToken(); m_token != End; getToken()) {
         if (!std::exchange(goesOn, false))
             m_start = line();
@@ -146,10 +158,8 @@ void SourceBrowserCParser::parseTopLevel(Container& container, bool isInBraces) 
             else
                 ungetToken();
         } else {
-            const bool isQualifier = m_token == Const || m_token == Volatile;
-            goesOn = isQualifier || m_token == Template;
-            if (!isQualifier)
-                parseDeclaration(container);
+            goesOn = m_token == Template;
+            parseDeclaration(container);
         }
     }
 }
@@ -172,7 +182,8 @@ bool SourceBrowserCParser::parseGenericToken(Container& container) {
     case Throw:
         return true;
     case Enum:
-        passTo(';');
+        passEnumeration();
+        m_isStatic = false;
         return true;
     case Typedef:
         parseTypedef(container);
@@ -199,6 +210,8 @@ void SourceBrowserCParser::parseTypedef(Container& container) {
 }
 
 void SourceBrowserCParser::parseTopLevelToken(Container& container) {
+    while (m_token == Const || m_token == Volatile)
+        getToken();
     switch (m_token) {
     case Namespace:
         parseNamespace(container);
@@ -213,6 +226,9 @@ void SourceBrowserCParser::parseTopLevelToken(Container& container) {
     case SourceBrowserToken::Struct:
     case Union:
         parseContainer(container);
+        break;
+    case '}':
+        ungetToken();
         break;
     default:
         break;
@@ -464,7 +480,7 @@ void SourceBrowserCParser::parseStructDeclarations(Container& container) {
         case ';':
             break;
         case Enum:
-            passTo(';');
+            passEnumeration();
             break;
         case SourceBrowserToken::Struct:
         case Union:

@@ -63,6 +63,7 @@ private:
     void skipGroup(int open, int close);
     void skipBlock() { skipGroup('{', '}'); }
     void passTo(int code);
+    void passEnumeration();
     int line() const { return m_line - 1; }
     void diagnose(const QString& text);
 

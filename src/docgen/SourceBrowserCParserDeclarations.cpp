@@ -402,19 +402,19 @@ void SourceBrowserCParser::skipDefault() {
     }
 }
 
-/// All that is pending, each text with a blank behind it. What has no text leaves none, so that the length of
-/// the type tells where the name belongs.
+/// All that is pending, each text with a blank behind it, also where a keyword has no text.
 QString SourceBrowserCParser::fillInParsedType() {
     QString type("");
     for (const Token& token : m_pending) {
         appendText(type, token.text());
-        appendText(type, token.text().empty() ? "" : " ");
+        appendText(type, " ");
     }
     clear();
     return type;
 }
 
 /// The arguments of a function pointer, from the ")" on top to its "(": the names and the sizes of arrays go.
+/// A word behind another is taken for a name.
 void SourceBrowserCParser::popArgumentList(Tail& tail) {
     const auto pop = [&] {
         const Token token = m_pending.back();
@@ -422,12 +422,9 @@ void SourceBrowserCParser::popArgumentList(Tail& tail) {
         return token;
     };
     int previous = 0;
-    bool mayBeName = true; // each argument has one at most, at its end
     for (int depth = 0; !m_pending.empty();) {
         const Token token = pop();
-        const bool isName =
-            mayBeName && token.code == Identifier && isOneOf(top(), {Identifier, '*', '}', '&'});
-        mayBeName = isOneOf(token.code, {'(', ')', ',', '[', ']'});
+        const bool isName = token.code == Identifier && isOneOf(top(), {Identifier, '*', '}', '&'});
         const bool isLoneVoid = previous == ')' && isTop('(') && token.text() == "void";
         if (!isName && !isLoneVoid)
             tail.prepend(token.text(), token.code != '(');

@@ -33,14 +33,27 @@ QString SourceBrowserArgument::toString() const {
     return text.simplified();
 }
 
+void SourceBrowserMethod::setName(const QString& name) {
+    SourceBrowserObject::setName(name);
+    m_asString = QString();
+}
+
+void SourceBrowserMethod::addArgument(SourceBrowserArgument argument) {
+    m_arguments.push_back(std::move(argument));
+    m_asString = QString();
+}
+
 QString SourceBrowserMethod::asString() const {
-    QString text = name() + u" (";
-    for (const SourceBrowserArgument& argument : m_arguments) {
-        if (&argument != &m_arguments.front())
-            text += u", ";
-        text += argument.toString();
+    if (m_asString.isNull()) {
+        m_asString = name() + u" (";
+        for (const SourceBrowserArgument& argument : m_arguments) {
+            if (&argument != &m_arguments.front())
+                m_asString += u", ";
+            m_asString += argument.toString();
+        }
+        m_asString += u')';
     }
-    return text + u')';
+    return m_asString;
 }
 
 bool SourceBrowserMethod::isEqual(const SourceBrowserObject& other) const {

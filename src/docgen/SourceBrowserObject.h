@@ -24,7 +24,7 @@ public:
     virtual bool isEqual(const SourceBrowserObject&) const { return false; }
 
     const QString& name() const { return m_name; }
-    void setName(const QString& name);
+    virtual void setName(const QString& name);
     /// The enclosing names, joined by "."; empty at file level.
     const QString& scope() const { return m_scope; }
     void setScope(const QString& scope);
@@ -89,15 +89,17 @@ class SourceBrowserMethod : public SourceBrowserVariable {
 public:
     SourceBrowserMethod() : SourceBrowserVariable(Method) {}
 
-    /// Name and arguments: "f (int a, char *s)".
+    /// Name and arguments: "f (int a, char *s)". All calls give one shared text.
     QString asString() const override;
     bool isEqual(const SourceBrowserObject& other) const override;
 
     const std::vector<SourceBrowserArgument>& arguments() const { return m_arguments; }
-    void addArgument(SourceBrowserArgument argument) { m_arguments.push_back(std::move(argument)); }
+    void setName(const QString& name) override;
+    void addArgument(SourceBrowserArgument argument);
 
     bool isVirtual = false;
 
 private:
     std::vector<SourceBrowserArgument> m_arguments;
+    mutable QString m_asString; ///< null until asked for
 };

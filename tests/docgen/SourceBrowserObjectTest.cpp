@@ -46,6 +46,15 @@ TEST(SourceBrowserObject, PathFollowsNameAndScope) {
     EXPECT_EQ(variable.path(), "a.b.w");
 }
 
+TEST(SourceBrowserMethod, TextFollowsNameAndArguments) {
+    const auto f = method("f");
+    EXPECT_EQ(f->asString(), "f ()");
+    f->addArgument({"a", "int", -1});
+    EXPECT_EQ(f->asString(), "f (int a)");
+    f->setName("g");
+    EXPECT_EQ(f->asString(), "g (int a)");
+}
+
 TEST(SourceBrowserObject, EqualityGoesByKindNameAndArguments) {
     SourceBrowserVariable variable;
     SourceBrowserVariable other;
