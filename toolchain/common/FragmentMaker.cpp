@@ -8,6 +8,7 @@
 #include "toolchain/common/Relocations.h"
 
 #include <algorithm>
+#include <climits>
 #include <elf.h>
 
 namespace {
@@ -224,6 +225,8 @@ void FragmentMaker::add(SOBFInsn* record) {
     if (!m_hasOrigin || m_origin >= 0)
         record->setPC(m_pc);
     m_into->addInsn(record);
+    if (record->length() > INT_MAX - std::max(m_pc, 0))
+        throw HException("section " + m_from.name + ": too large");
     m_pc += record->length();
 }
 
