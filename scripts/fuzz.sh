@@ -21,7 +21,7 @@ run() {
     fi
     [ ! -f "fuzz/$target.dict" ] || dictionary=(-dict="fuzz/$target.dict")
     if ! "build/fuzz/fuzz/$target" "$grown" "fuzz/corpus/$target" "${dictionary[@]}" -max_total_time="$seconds" -seed="${seed:-1}" \
-        -timeout=10 -rss_limit_mb=2048 -artifact_prefix="build/fuzz/findings/$target-" >"$log" 2>&1; then
+        -timeout=60 -rss_limit_mb=2048 -artifact_prefix="build/fuzz/findings/$target-" >"$log" 2>&1; then
         tail -n 40 "$log" >&2
         echo "fuzz: $target found something, see $log" >&2
         return 255 # and no further one is begun
