@@ -328,7 +328,6 @@ def told(bin_dir):
         ("unlink:error=EROFS:when=1+", STAGING, 0, "Copying main.c\n    adding "),
         ("vfork,clone,clone3:error=EAGAIN:when=1+", COMPILING, 1,
          "Compiling util.c\n    can't execute command \"{WORK}/dir/tarn/bin/qcomp\"\n"),
-        ("write:error=ENOSPC:when=1+", COMPILING, 1, ""),
         ("fsync,rename:error=ENOSPC:when=1+", COMPILING, 0, 'Building "app"'),  # settings: silence
     )
     for inject, projects, status, text in rows:
