@@ -4,9 +4,6 @@
 #include "foundation/Text.h"
 #include "macros/Path.h"
 
-#include <algorithm>
-#include <cstring>
-
 namespace {
 
 constexpr qint64 nanosecondsPerSecond = 1'000'000'000;
@@ -21,20 +18,8 @@ std::optional<qint64> timeOnDisk(const QString& path) {
 
 } // namespace
 
-// A build looks up every name of every object: eight bytes at a time, since the library's hash goes byte by
-// byte through the end of a name.
 size_t FileTimes::Hash::operator()(std::string_view name) const {
-    constexpr uint64_t spread = 0x9E3779B97F4A7C15u;
-    uint64_t hash = name.size();
-    while (!name.empty()) {
-        uint64_t bytes = 0;
-        const size_t taken = std::min(name.size(), sizeof bytes);
-        std::memcpy(&bytes, name.data(), taken);
-        name.remove_prefix(taken);
-        hash = (hash ^ bytes) * spread;
-        hash ^= hash >> 32;
-    }
-    return hash;
+    return std::hash<std::string_view>()(name);
 }
 
 QString FileTimes::resolved(const QString& directory, const QString& name) {

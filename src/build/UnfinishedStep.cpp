@@ -4,7 +4,7 @@
 #include "foundation/Text.h"
 #include "macros/Path.h"
 
-#include <algorithm>
+#include <cerrno>
 #include <unistd.h>
 #include <utility>
 
