@@ -101,3 +101,16 @@ bool assemble(Tool& tool, const CompileOptions& options) {
     writeObject(tool, options, assembled, text.dependencies, false);
     return true;
 }
+
+int runCompiler(Tool& tool, CompileOptions& options, int argc, char** argv,
+                bool (*work)(Tool& tool, const CompileOptions& options)) {
+    return runTool(tool, [&] {
+        const auto input = [&](const std::string& path) {
+            if (!options.input.empty())
+                throw HException("more than one source file: " + path);
+            options.input = path;
+        };
+        const std::span<char* const> words(argv + 1, static_cast<size_t>(argc > 0 ? argc - 1 : 0));
+        return !tool.parse(words, input) || work(tool, options);
+    });
+}
