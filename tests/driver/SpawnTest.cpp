@@ -167,7 +167,7 @@ TEST_F(SpawnTest, OddInheritancesDoNoHarm) {
         ::signal(SIGCHLD, SIG_IGN);
         const bool isRight = runScript("echo out; echo err >&2; exit 7") == 7 && out == QStringList("out") &&
                              err == QStringList("err");
-        ::_exit(isRight ? 0 : 1);
+        std::exit(isRight ? 0 : 1);
     };
     EXPECT_EXIT(inChild(), testing::ExitedWithCode(0), "");
 }
