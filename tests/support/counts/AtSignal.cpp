@@ -1,4 +1,5 @@
-// Part of every program of the preset `coverage`: one that ends by a signal that it sends itself keeps its counts.
+// Part of every program of the preset `coverage`: one that ends by a signal that it sends itself keeps its
+// counts.
 
 #include <csignal>
 #include <unistd.h>
