@@ -65,7 +65,8 @@ void ReadAhead::run() {
         lock.unlock();
         Fetched fetched = m_fetch(path);
         lock.lock();
-        if (generation == m_generation && index >= m_asked)
+        const bool isTaken = index < m_asked || slotAt(index).index == index; // by whoever asks
+        if (generation == m_generation && !isTaken)
             slotAt(index) = {index, std::move(fetched)};
     }
 }
@@ -83,38 +84,45 @@ bool ReadAhead::isPathAt(qsizetype index, const QString& path) const {
            path[m_directory.size()] == u'/' && path.startsWith(m_directory);
 }
 
-/// The slot of a file that is expected next, or soon, with what was fetched of it if anything was; null for
-/// any other file.
-ReadAhead::Slot* ReadAhead::moveTo(const QString& path) {
+/// Whether the file is expected next, or soon, and is now the one that was asked for last.
+bool ReadAhead::moveTo(const QString& path) {
     qsizetype index = m_asked;
     const qsizetype end = std::min(m_names.size(), m_asked + lookahead);
     while (index < end && !isPathAt(index, path))
         ++index;
     if (index >= end)
-        return nullptr;
+        return false;
     m_asked = index;
-    m_fetched = std::max(m_fetched, index + 1); // whoever asks is quicker now
     m_window = std::min(2 * m_window + 1, mostAhead);
+    if (slotAt(index).index != index && m_fetched <= index + 1)
+        m_fetched = index + 1 + ownShare;
     if (m_asked + m_window - m_fetched >= m_window / 2)
         m_wake.notify_one(); // in bursts: each waking costs as much as a file
-    Slot& slot = slotAt(index);
-    if (slot.index != index)
-        slot = {index, {}};
-    return &slot;
+    return true;
+}
+
+/// What is known of a file, which is fetched if that has not been done; null if it is not expected.
+ReadAhead::Fetched* ReadAhead::at(const QString& path) {
+    if (!m_thread.joinable())
+        return nullptr;
+    std::unique_lock lock(m_mutex);
+    if (!moveTo(path))
+        return nullptr;
+    Slot& slot = slotAt(m_asked); // the thread leaves it alone once it has this index
+    const bool isFetched = slot.index == m_asked;
+    slot.index = m_asked;
+    lock.unlock();
+    if (!isFetched)
+        slot.fetched = m_fetch(path);
+    return &slot.fetched;
 }
 
 std::optional<FileStatus> ReadAhead::status(const QString& path) {
-    if (!m_thread.joinable())
-        return std::nullopt;
-    const std::lock_guard lock(m_mutex);
-    const Slot* slot = moveTo(path);
-    return slot ? slot->fetched.status : std::nullopt;
+    const Fetched* fetched = at(path);
+    return fetched ? fetched->status : std::nullopt;
 }
 
 std::optional<FileBytes> ReadAhead::read(const QString& path) {
-    if (!m_thread.joinable())
-        return std::nullopt;
-    const std::lock_guard lock(m_mutex);
-    Slot* slot = moveTo(path);
-    return slot ? std::exchange(slot->fetched.contents, std::nullopt) : std::nullopt;
+    Fetched* fetched = at(path);
+    return fetched ? std::exchange(fetched->contents, std::nullopt) : std::nullopt;
 }

@@ -10,8 +10,9 @@
 #include <thread>
 
 /// Fetches files that will soon be asked for, in a thread of its own, a few ahead of whoever asks. A build
-/// that looks at ten thousand objects waits for the system most of its time; this makes it wait on another
-/// core.
+/// that looks at ten thousand objects waits for the system most of its time; this shares the waiting out
+/// between two cores. Whoever asks for a file that is not there yet fetches it, and leaves a few behind it
+/// to itself, so that the two don't meet at each.
 ///
 /// All operations are for one thread. Nothing is kept longer than up to `forget`, which whoever changes files
 /// calls, and behind it the fetching comes up to speed again only step by step: between two commands that
@@ -23,7 +24,7 @@ public:
         std::optional<FileStatus> status;
         std::optional<FileBytes> contents;
     };
-    /// Looks at one file. Called in the thread, and must not wait for anyone.
+    /// Looks at one file. Called in both threads, and must not wait for anyone.
     using Fetch = std::function<Fetched(const QString& path)>;
 
     explicit ReadAhead(Fetch fetch) : m_fetch(std::move(fetch)) {}
@@ -36,7 +37,7 @@ public:
     void expect(const QString& directory, const QList<QString>& names);
     void forget();
 
-    /// What was fetched of a file; nothing if it was not, or not yet.
+    /// What is known of an expected file; nothing of any other.
     std::optional<FileStatus> status(const QString& path);
     /// The same, once.
     std::optional<FileBytes> read(const QString& path);
@@ -44,6 +45,7 @@ public:
 private:
     static constexpr qsizetype mostAhead = 64; ///< files
     static constexpr qsizetype lookahead = 4;  ///< how many files may be left out in a row
+    static constexpr qsizetype ownShare = 8;   ///< how many files whoever asks fetches when it is quicker
 
     struct Slot {
         qsizetype index = -1; ///< of the name, or -1
@@ -54,7 +56,8 @@ private:
     void run();
     QString pathAt(qsizetype index) const;
     bool isPathAt(qsizetype index, const QString& path) const;
-    Slot* moveTo(const QString& path);
+    bool moveTo(const QString& path);
+    Fetched* at(const QString& path);
     Slot& slotAt(qsizetype index) { return m_slots[static_cast<size_t>(index % mostAhead)]; }
 
     const Fetch m_fetch;
