@@ -172,6 +172,7 @@ public:
     QList<QString> list(const QString& directory) override;
     int replace(const QString& path, std::string_view contents) override;
     int replaceUnsynced(const QString& path, std::string_view contents) override;
+    int writeOver(const QString& path, std::string_view contents) override;
     int remove(const QString& path) override;
     int copy(const QString& from, const QString& to) override;
     int setWritable(const QString& path, bool writable) override;
@@ -303,6 +304,12 @@ int HostFiles::replace(const QString& path, std::string_view contents) {
 int HostFiles::replaceUnsynced(const QString& path, std::string_view contents) {
     m_ahead.forget();
     return putContents(path, contents, Until::Written);
+}
+
+int HostFiles::writeOver(const QString& path, std::string_view contents) {
+    m_ahead.forget();
+    const Descriptor file(::open(toBytes(path).constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
+    return file.isOpen() ? writeAll(file.number(), contents) : errno;
 }
 
 // The source may be a pipe that nobody writes to, which must not stop us.
