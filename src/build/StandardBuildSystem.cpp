@@ -170,11 +170,11 @@ QString StandardBuildSystem::outputText(BuildAction action, ProjectElement* elem
 }
 
 void StandardBuildSystem::cleanFile(const QString& path, bool quiet, Builder* builder) {
-    if (!files().status(path).exists())
-        return;
+    // A link that leads nowhere is no file that was there, but goes all the same.
+    const bool wasThere = files().status(path).exists();
     const bool removed = files().remove(path) == 0;
     forgetFiles();
-    if (quiet || !builder)
+    if (quiet || !builder || !wasThere)
         return;
     if (removed)
         builder->note("Remove " + Path::toOsPath(path));
