@@ -317,7 +317,8 @@ void StandardBuildSystem::getDependencies(ProjectElement* element, const QString
         element->checkDoFileStuff();
         if (files().status(full).exists()) {
             const DependencyList dependencies = sourceDependencies(element, full);
-            m_dependencyCache.insert(full, dependencies);
+            if (!dependencies.isEmpty())
+                m_dependencyCache.insert(full, dependencies);
             for (const std::string_view dependency : dependencies)
                 found.append(toText(dependency));
         }
