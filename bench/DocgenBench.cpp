@@ -1,6 +1,7 @@
-// The scanner of headers, and the pages that come out of them, on the headers of this machine, in memory:
-// those of the C library, of Qt and of the C++ library, as far as they are installed. For the pages every
-// block comment is made one for documentation.
+// The scanner of headers, and the pages that come out of them, in memory, on the headers below the directory
+// that the environment names in DOCGEN_HEADERS, or else on those of this machine: of the C library, of Qt and
+// of the C++ library, as far as they are installed. For the pages every block comment is made one for
+// documentation.
 
 #include "docgen/DocGen.h"
 #include "docgen/SourceBrowserCParser.h"
@@ -9,6 +10,7 @@
 #include "support/MemoryFiles.h"
 
 #include <benchmark/benchmark.h>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -23,16 +25,17 @@ struct Header {
 
 std::string documented(std::string text) {
     for (size_t at = text.find("/*"); at != std::string::npos; at = text.find("/*", at + 2))
-        text.insert(at + 2, "!");
+        text.replace(at + 2, text[at + 2] == '!', "!");
     return text;
 }
 
 const std::vector<Header>& headers() {
     static const std::vector<Header> all = [] {
         namespace fs = std::filesystem;
+        const char* const directory = std::getenv("DOCGEN_HEADERS");
         std::vector<Header> found;
         for (const fs::directory_entry& entry : fs::recursive_directory_iterator(
-                 "/usr/include", fs::directory_options::skip_permission_denied)) {
+                 directory ? directory : "/usr/include", fs::directory_options::skip_permission_denied)) {
             if (!entry.is_regular_file())
                 continue;
             const QString path = QString::fromLatin1(entry.path().string());

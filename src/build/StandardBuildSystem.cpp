@@ -170,11 +170,11 @@ QString StandardBuildSystem::outputText(BuildAction action, ProjectElement* elem
 }
 
 void StandardBuildSystem::cleanFile(const QString& path, bool quiet, Builder* builder) {
-    if (!files().status(path).exists())
-        return;
+    // A link that leads nowhere is no file that was there, but goes all the same.
+    const bool wasThere = files().status(path).exists();
     const bool removed = files().remove(path) == 0;
     forgetFiles();
-    if (quiet || !builder)
+    if (quiet || !builder || !wasThere)
         return;
     if (removed)
         builder->note("Remove " + Path::toOsPath(path));
@@ -317,7 +317,8 @@ void StandardBuildSystem::getDependencies(ProjectElement* element, const QString
         element->checkDoFileStuff();
         if (files().status(full).exists()) {
             const DependencyList dependencies = sourceDependencies(element, full);
-            m_dependencyCache.insert(full, dependencies);
+            if (!dependencies.isEmpty())
+                m_dependencyCache.insert(full, dependencies);
             for (const std::string_view dependency : dependencies)
                 found.append(toText(dependency));
         }

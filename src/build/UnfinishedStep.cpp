@@ -10,7 +10,13 @@
 
 namespace {
 
-constexpr const char* recordName = "unfinished-"; // the process, its start, and a number of the record follow
+constexpr const char* recordName = "unfinished-"; // the process and its start follow
+
+/// A record holds a check of its text, the text, and '\0', behind which the end of a longer one may stand.
+/// The text is the status of the output before the step, and behind '\n' its path.
+QByteArray recordOf(const QByteArray& text) {
+    return QByteArray::number(qChecksum(text), 16) + ' ' + text + '\0';
+}
 
 /// When a process was started, in the system's own count; empty if there is no such process.
 QString startOf(const QString& process) {
@@ -34,11 +40,13 @@ void discard(const QString& output, const QByteArray& before) {
         files().makeOldest(output);
 }
 
-void recover(const QString& record) {
-    const FileBytes bytes = files().read(record);
-    const QString text = toText(bytes.view());
-    if (const qsizetype end = text.indexOf(u'\n'); end > 0)
-        discard(text.mid(end + 1), toBytes(text.left(end)));
+void recover(const QString& path) {
+    const FileBytes bytes = files().read(path);
+    const QByteArray record(bytes.data.get(), static_cast<qsizetype>(bytes.size));
+    const qsizetype begin = record.indexOf(' ') + 1;
+    const QByteArray text = record.mid(begin, record.indexOf('\0') - begin);
+    if (const qsizetype end = text.indexOf('\n'); end > 0 && record.startsWith(recordOf(text)))
+        discard(toText(viewOf(text.mid(end + 1))), text.left(end));
 }
 
 } // namespace
@@ -48,37 +56,29 @@ void UnfinishedStep::keepRecordsIn(const QString& directory) {
     const QString start = startOf(self);
     if (start.isEmpty())
         return; // nothing would tell which records are of processes that still run
-    m_records = directory + "/" + recordName + self + "-" + start + "-";
+    m_record = directory + "/" + recordName + self + "-" + start;
     for (const QString& name : files().list(directory)) {
-        if (!name.startsWith(QLatin1String(recordName)))
-            continue;
-        const QString path = directory + "/" + name;
         const QStringList parts = name.split(u'-');
-        if (startOf(parts[1]) == parts.value(2))
+        if (!name.startsWith(QLatin1String(recordName)) || startOf(parts[1]) == parts.value(2))
             continue;
-        if (parts.size() == 4) // else it is the beginning of a record
-            recover(path);
-        files().remove(path);
+        recover(directory + "/" + name);
+        files().remove(directory + "/" + name);
     }
 }
 
-// Each record is a new file, and the last one goes when it is there: what takes the place of a file some file
-// systems write to the disk at once, which costs a millisecond for every step.
 void UnfinishedStep::begin() {
     if (m_next.isEmpty())
         return;
     m_output = std::exchange(m_next, QString());
     m_before = statusOf(m_output);
-    if (m_records.isNull())
+    if (m_record.isNull())
         return;
-    const QString former = std::exchange(m_record, m_records + (m_record.endsWith(u'1') ? "2" : "1"));
-    const QByteArray text = m_before + '\n' + toBytes(m_output);
-    if (files().replaceUnsynced(m_record, viewOf(text)) == ENOENT) {
+    const QByteArray record = recordOf(m_before + '\n' + toBytes(m_output));
+    if (files().writeOver(m_record, viewOf(record)) == ENOENT) {
         Path::ensureDirExists(m_record);
-        files().replaceUnsynced(m_record, viewOf(text));
+        files().writeOver(m_record, viewOf(record));
     }
-    if (!former.isNull())
-        files().remove(former);
+    m_isOnRecord = true;
 }
 
 void UnfinishedStep::spoil() {
@@ -89,8 +89,7 @@ void UnfinishedStep::spoil() {
 void UnfinishedStep::end(bool isThrough) {
     if (!isThrough)
         spoil();
-    if (!m_record.isNull())
+    if (std::exchange(m_isOnRecord, false))
         files().remove(m_record);
-    m_record = QString();
     m_output = QString();
 }

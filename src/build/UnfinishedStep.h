@@ -29,8 +29,8 @@ public:
 
 private:
     QString m_next;
-    QString m_output;    ///< on record; null if there is none
-    QByteArray m_before; ///< its status as the step found it
-    QString m_records;   ///< the path of each of our records but for its number; null if none are kept
-    QString m_record;    ///< the path of the last one; null if there is none
+    QString m_output;          ///< of the step under way; null if there is none
+    QByteArray m_before;       ///< its status as the step found it
+    QString m_record;          ///< the path of our record; null if none is kept
+    bool m_isOnRecord = false; ///< whether our record was written since the last end
 };

@@ -61,6 +61,8 @@ public:
     virtual int replaceUnsynced(const QString& path, std::string_view contents) {
         return replace(path, contents);
     }
+    /// Writes over the beginning of the file, or makes it. What stood behind that stays.
+    virtual int writeOver(const QString& path, std::string_view contents) { return replace(path, contents); }
     virtual int remove(const QString& path) = 0;
     /// Copies a file's contents, times and permissions (less the process's umask) to `to`, in whole or not at
     /// all. A file already there is replaced, read-only or not; a link stays a link. EINVAL if it is `from`.

@@ -3,6 +3,7 @@
 #include "foundation/ReadAhead.h"
 #include "foundation/Text.h"
 
+#include <QScopeGuard>
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -139,6 +140,23 @@ int putInPlace(const QByteArray& target, std::optional<mode_t> mode, Until until
     return error;
 }
 
+/// Makes the file, which is not there yet, in one go: it has no name before it is whole. EEXIST if it is
+/// there by then, or another error if the file system can't do that.
+int makeWhole(const QByteArray& target, std::string_view contents) {
+    const QByteArray directory = target.left(target.lastIndexOf('/') + 1) + '.';
+    const Descriptor file(::open(directory.constData(), O_WRONLY | O_TMPFILE | O_CLOEXEC, 0666));
+    if (!file.isOpen())
+        return errno;
+    int error = writeAll(file.number(), contents);
+    if (error == 0)
+        error = flush(file.number());
+    const QByteArray itself = "/proc/self/fd/" + QByteArray::number(file.number());
+    if (error == 0 &&
+        ::linkat(AT_FDCWD, itself.constData(), AT_FDCWD, target.constData(), AT_SYMLINK_FOLLOW) != 0)
+        error = errno;
+    return error;
+}
+
 /// The file to which a name leads, through links; the name itself if there is none yet.
 QByteArray behindLinks(const QString& path) {
     const QString resolved = resolvedPath(path);
@@ -162,6 +180,8 @@ int putContents(const QString& path, std::string_view contents, Until until) {
     }
     if (isThere)
         mode = old.st_mode & 07777;
+    else if (until == Until::Written && makeWhole(target, contents) == 0)
+        return 0;
     return putInPlace(target, mode, until, [&](int file) { return writeAll(file, contents); });
 }
 
@@ -172,6 +192,7 @@ public:
     QList<QString> list(const QString& directory) override;
     int replace(const QString& path, std::string_view contents) override;
     int replaceUnsynced(const QString& path, std::string_view contents) override;
+    int writeOver(const QString& path, std::string_view contents) override;
     int remove(const QString& path) override;
     int copy(const QString& from, const QString& to) override;
     int setWritable(const QString& path, bool writable) override;
@@ -189,6 +210,10 @@ private:
     static FileBytes readAll(const Descriptor& file, const struct stat& info, size_t most);
     static FileStatus statusOf(const struct stat& info);
     static ReadAhead::Fetched fetch(const QString& path);
+    /// Held by whoever changes a file: what was fetched ahead by the end of that does not count.
+    auto changing() {
+        return qScopeGuard([this] { m_ahead.forget(); });
+    }
     /// Whether the file has just these contents.
     bool holds(const QString& path, std::string_view contents) {
         const FileStatus now = status(path);
@@ -286,12 +311,12 @@ QList<QString> HostFiles::list(const QString& directory) {
 }
 
 int HostFiles::remove(const QString& path) {
-    m_ahead.forget();
+    const auto change = changing();
     return ::unlink(toBytes(path).constData()) == 0 ? 0 : errno;
 }
 
 int HostFiles::replace(const QString& path, std::string_view contents) {
-    m_ahead.forget();
+    const auto change = changing();
     // What is written again and again without a change, such as settings, need not wait for the disk.
     if (holds(path, contents) && ::utimensat(AT_FDCWD, toBytes(path).constData(), nullptr, 0) == 0) {
         removeLeft(temporaryName(behindLinks(path), 1));
@@ -301,13 +326,19 @@ int HostFiles::replace(const QString& path, std::string_view contents) {
 }
 
 int HostFiles::replaceUnsynced(const QString& path, std::string_view contents) {
-    m_ahead.forget();
+    const auto change = changing();
     return putContents(path, contents, Until::Written);
+}
+
+int HostFiles::writeOver(const QString& path, std::string_view contents) {
+    const auto change = changing();
+    const Descriptor file(::open(toBytes(path).constData(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
+    return file.isOpen() ? writeAll(file.number(), contents) : errno;
 }
 
 // The source may be a pipe that nobody writes to, which must not stop us.
 int HostFiles::copy(const QString& from, const QString& to) {
-    m_ahead.forget();
+    const auto change = changing();
     const Descriptor source(::open(toBytes(from).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat info {};
     if (!source.isOpen() || ::fstat(source.number(), &info) != 0)
@@ -324,6 +355,7 @@ int HostFiles::copy(const QString& from, const QString& to) {
 }
 
 int HostFiles::setWritable(const QString& path, bool writable) {
+    const auto change = changing();
     const Descriptor file(::open(toBytes(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat info {};
     if (!file.isOpen() || ::fstat(file.number(), &info) != 0)
@@ -334,7 +366,7 @@ int HostFiles::setWritable(const QString& path, bool writable) {
 
 // The system takes the nearest time that the file system knows.
 int HostFiles::makeOldest(const QString& path) {
-    m_ahead.forget();
+    const auto change = changing();
     const QByteArray name = toBytes(path);
     struct stat info {};
     if (::lstat(name.constData(), &info) != 0)

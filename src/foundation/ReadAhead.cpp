@@ -2,6 +2,29 @@
 
 #include <algorithm>
 #include <csignal>
+#include <sched.h>
+
+namespace {
+
+/// The processors that the process may use, but for the one that the caller is on; empty if that can't be
+/// told.
+cpu_set_t otherProcessors() {
+    cpu_set_t others;
+    CPU_ZERO(&others);
+    const int here = ::sched_getcpu();
+    if (here >= 0 && ::sched_getaffinity(0, sizeof others, &others) == 0)
+        CPU_CLR(static_cast<size_t>(here), &others);
+    return others;
+}
+
+bool isPath(const QString& path, const QString& directory, const QString& name) {
+    if (name.startsWith(u'/'))
+        return path == name;
+    return path.size() == directory.size() + 1 + name.size() && path.endsWith(name) &&
+           path[directory.size()] == u'/' && path.startsWith(directory);
+}
+
+} // namespace
 
 ReadAhead::~ReadAhead() {
     if (!m_thread.joinable())
@@ -15,106 +38,138 @@ ReadAhead::~ReadAhead() {
 }
 
 void ReadAhead::expect(const QString& directory, const QList<QString>& names) {
-    const bool isWorthIt = names.size() >= mostAhead && std::thread::hardware_concurrency() > 1;
-    if (!isWorthIt && !m_thread.joinable())
+    const bool isWorthIt = names.size() >= mostInBatch * static_cast<qsizetype>(mostBatches);
+    if (isWorthIt && !m_thread.joinable())
+        start();
+    if (!m_thread.joinable())
         return;
     {
         const std::lock_guard lock(m_mutex);
         m_directory = directory;
         m_names = isWorthIt ? names : QList<QString>();
-        m_asked = m_fetched = 0;
-        m_window = mostAhead;
-        m_slots = {};
-        ++m_generation;
+        m_batches.clear();
+        m_claimed = 0;
+        m_size = mostInBatch;
     }
-    if (!m_thread.joinable())
-        start();
+    m_current = nullptr;
+    m_asked = 0;
     m_wake.notify_one();
 }
 
-/// Signals are for the thread that waits for tools.
+/// Only where there is another processor, and there alone: left to itself, the system may wake the thread on
+/// the one that it is woken from, and the two would take turns. Signals are for the thread that waits for
+/// tools.
 void ReadAhead::start() {
+    const cpu_set_t others = otherProcessors();
+    if (CPU_COUNT(&others) == 0)
+        return;
     sigset_t all;
     sigset_t former;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &former);
     m_thread = std::thread([this] { run(); });
     pthread_sigmask(SIG_SETMASK, &former, nullptr);
+    ::pthread_setaffinity_np(m_thread.native_handle(), sizeof others, &others);
 }
 
 void ReadAhead::forget() {
     if (!m_thread.joinable())
         return;
     const std::lock_guard lock(m_mutex);
-    m_window = 0;
-    m_fetched = m_asked;
-    m_slots = {};
-    ++m_generation;
+    m_batches.clear();
+    m_current = nullptr;
+    m_claimed = m_asked;
+    m_size = 0;
 }
 
 void ReadAhead::run() {
     std::unique_lock lock(m_mutex);
     for (;;) {
-        m_wake.wait(lock,
-                    [this] { return m_stop || m_fetched < std::min(m_names.size(), m_asked + m_window); });
+        m_wake.wait(lock, [this] { return m_stop || canClaim(); });
         if (m_stop)
             return;
-        const qsizetype index = m_fetched++;
-        const unsigned generation = m_generation;
-        const QString path = pathAt(index);
-        lock.unlock();
-        Fetched fetched = m_fetch(path);
-        lock.lock();
-        if (generation == m_generation && index >= m_asked)
-            slotAt(index) = {index, std::move(fetched)};
+        fetch(lock, claim());
+        m_done.notify_one();
     }
 }
 
-QString ReadAhead::pathAt(qsizetype index) const {
-    const QString& name = m_names[index];
-    return name.startsWith(u'/') ? name : QString(m_directory + "/" + name);
+bool ReadAhead::canClaim() const {
+    return m_size > 0 && m_claimed < m_names.size() && m_batches.size() < mostBatches;
 }
 
-bool ReadAhead::isPathAt(qsizetype index, const QString& path) const {
-    const QString& name = m_names[index];
-    if (name.startsWith(u'/'))
-        return path == name;
-    return path.size() == m_directory.size() + 1 + name.size() && path.endsWith(name) &&
-           path[m_directory.size()] == u'/' && path.startsWith(m_directory);
+ReadAhead::Shared ReadAhead::claim() {
+    const auto batch = std::make_shared<Batch>();
+    batch->first = m_claimed;
+    batch->directory = m_directory;
+    batch->names = m_names.mid(m_claimed, m_size);
+    m_batches.push_back(batch);
+    m_claimed += batch->names.size();
+    m_size = std::min(2 * m_size, mostInBatch);
+    return batch;
 }
 
-/// The slot of a file that is expected next, or soon, with what was fetched of it if anything was; null for
-/// any other file.
-ReadAhead::Slot* ReadAhead::moveTo(const QString& path) {
-    qsizetype index = m_asked;
+/// Without the lock meanwhile.
+void ReadAhead::fetch(std::unique_lock<std::mutex>& lock, const Shared& batch) {
+    lock.unlock();
+    batch->files.reserve(static_cast<size_t>(batch->names.size()));
+    for (const QString& name : batch->names) {
+        const bool isAbsolute = name.startsWith(u'/');
+        batch->files.push_back(m_fetch(isAbsolute ? name : QString(batch->directory + "/" + name)));
+    }
+    lock.lock();
+    batch->isFetched = true;
+}
+
+/// The index of a file that is expected next, or soon; -1 for any other. Names change in this thread only.
+qsizetype ReadAhead::find(const QString& path) const {
     const qsizetype end = std::min(m_names.size(), m_asked + lookahead);
-    while (index < end && !isPathAt(index, path))
-        ++index;
-    if (index >= end)
+    for (qsizetype index = m_asked; index < end; ++index) {
+        if (isPath(path, m_directory, m_names[index]))
+            return index;
+    }
+    return -1;
+}
+
+/// The batch of a file, fetched.
+ReadAhead::Shared ReadAhead::batchOf(qsizetype index) {
+    std::unique_lock lock(m_mutex);
+    m_size = std::max(m_size, qsizetype{1});
+    while (!m_batches.empty() && !m_batches.front()->holds(index))
+        m_batches.pop_front();
+    if (m_batches.empty()) {
+        m_claimed = index;
+        claim();
+        fetch(lock, m_batches.front());
+    }
+    const Shared batch = m_batches.front();
+    if (m_batches.size() <= mostBatches / 2)
+        m_wake.notify_one(); // in bursts: each waking costs as much as a file
+    while (!batch->isFetched) {
+        if (canClaim())
+            fetch(lock, claim());
+        else
+            m_done.wait(lock);
+    }
+    return batch;
+}
+
+/// What is known of a file, which is fetched if that has not been done; null if it is not expected.
+ReadAhead::Fetched* ReadAhead::at(const QString& path) {
+    const qsizetype index = m_thread.joinable() ? find(path) : -1;
+    if (index < 0)
         return nullptr;
     m_asked = index;
-    m_fetched = std::max(m_fetched, index + 1); // whoever asks is quicker now
-    m_window = std::min(2 * m_window + 1, mostAhead);
-    if (m_asked + m_window - m_fetched >= m_window / 2)
-        m_wake.notify_one(); // in bursts: each waking costs as much as a file
-    Slot& slot = slotAt(index);
-    if (slot.index != index)
-        slot = {index, {}};
-    return &slot;
+    if (!m_current || !m_current->holds(index))
+        m_current = batchOf(index);
+    return &m_current->files[static_cast<size_t>(index - m_current->first)];
 }
 
 std::optional<FileStatus> ReadAhead::status(const QString& path) {
-    if (!m_thread.joinable())
-        return std::nullopt;
-    const std::lock_guard lock(m_mutex);
-    const Slot* slot = moveTo(path);
-    return slot ? slot->fetched.status : std::nullopt;
+    const Fetched* fetched = at(path);
+    return fetched ? fetched->status : std::nullopt;
 }
 
 std::optional<FileBytes> ReadAhead::read(const QString& path) {
-    if (!m_thread.joinable())
-        return std::nullopt;
-    const std::lock_guard lock(m_mutex);
-    Slot* slot = moveTo(path);
-    return slot ? std::exchange(slot->fetched.contents, std::nullopt) : std::nullopt;
+    Fetched* fetched = at(path);
+    return fetched ? std::exchange(fetched->contents, std::nullopt) : std::nullopt;
 }

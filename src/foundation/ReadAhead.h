@@ -2,16 +2,19 @@
 
 #include "foundation/FileAccess.h"
 
-#include <array>
 #include <condition_variable>
+#include <deque>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <thread>
+#include <vector>
 
 /// Fetches files that will soon be asked for, in a thread of its own, a few ahead of whoever asks. A build
-/// that looks at ten thousand objects waits for the system most of its time; this makes it wait on another
-/// core.
+/// that looks at ten thousand objects waits for the system most of its time; this shares the waiting out
+/// between two processors. Files are fetched in batches, and whoever asks for one of a batch that is still
+/// being fetched fetches another one meanwhile.
 ///
 /// All operations are for one thread. Nothing is kept longer than up to `forget`, which whoever changes files
 /// calls, and behind it the fetching comes up to speed again only step by step: between two commands that
@@ -23,7 +26,7 @@ public:
         std::optional<FileStatus> status;
         std::optional<FileBytes> contents;
     };
-    /// Looks at one file. Called in the thread, and must not wait for anyone.
+    /// Looks at one file. Called in both threads, and must not wait for anyone.
     using Fetch = std::function<Fetched(const QString& path)>;
 
     explicit ReadAhead(Fetch fetch) : m_fetch(std::move(fetch)) {}
@@ -36,37 +39,48 @@ public:
     void expect(const QString& directory, const QList<QString>& names);
     void forget();
 
-    /// What was fetched of a file; nothing if it was not, or not yet.
+    /// What is known of an expected file; nothing of any other.
     std::optional<FileStatus> status(const QString& path);
     /// The same, once.
     std::optional<FileBytes> read(const QString& path);
 
 private:
-    static constexpr qsizetype mostAhead = 64; ///< files
-    static constexpr qsizetype lookahead = 4;  ///< how many files may be left out in a row
+    static constexpr qsizetype mostInBatch = 16; ///< files
+    static constexpr size_t mostBatches = 16;
+    static constexpr qsizetype lookahead = 4; ///< how many files may be left out in a row
 
-    struct Slot {
-        qsizetype index = -1; ///< of the name, or -1
-        Fetched fetched;
+    /// Files in a row. Whoever claims it fetches them; from then on it is for whoever asks.
+    struct Batch {
+        qsizetype first = 0; ///< the index of its first name
+        QString directory;
+        QList<QString> names;
+        std::vector<Fetched> files;
+        bool isFetched = false;
+
+        bool holds(qsizetype index) const { return index >= first && index < first + names.size(); }
     };
+    using Shared = std::shared_ptr<Batch>;
 
     void start();
     void run();
-    QString pathAt(qsizetype index) const;
-    bool isPathAt(qsizetype index, const QString& path) const;
-    Slot* moveTo(const QString& path);
-    Slot& slotAt(qsizetype index) { return m_slots[static_cast<size_t>(index % mostAhead)]; }
+    bool canClaim() const;
+    Shared claim();
+    void fetch(std::unique_lock<std::mutex>& lock, const Shared& batch);
+    qsizetype find(const QString& path) const;
+    Shared batchOf(qsizetype index);
+    Fetched* at(const QString& path);
 
     const Fetch m_fetch;
     std::thread m_thread;
-    std::mutex m_mutex; ///< guards all below
+    qsizetype m_asked = 0; ///< the name that was asked for last
+    Shared m_current;      ///< the batch that holds it; null if none does
+    std::mutex m_mutex;    ///< guards all below
     std::condition_variable m_wake;
+    std::condition_variable m_done;
     bool m_stop = false;
     QString m_directory;
     QList<QString> m_names;
-    qsizetype m_asked = 0;   ///< the name that was asked for last
-    qsizetype m_fetched = 0; ///< the next to be fetched
-    qsizetype m_window = 0;  ///< how far in front of what is asked for
-    unsigned m_generation = 0;
-    std::array<Slot, mostAhead> m_slots;
+    std::deque<Shared> m_batches; ///< in order, from the current one on
+    qsizetype m_claimed = 0;      ///< the first name behind those of the batches
+    qsizetype m_size = 0;         ///< of the next batch; 0 until something is asked for
 };

@@ -210,6 +210,11 @@ TEST_F(StandardBuildSystemTest, DependenciesOfNodesAreAbsolute) {
     headers = {"x.h"};
     touch("a.c");
     build();
+    const QByteArray object = memory.contents("/s/Debug/a.vko");
+    memory.write("/s/Debug/a.vko", viewOf(objectFrom({})));
+    engine->getDependencies(node("a.c"), "Debug", list);
+    EXPECT_EQ(list.last(), "/s/a.c") << "an object that tells nothing";
+    memory.write("/s/Debug/a.vko", viewOf(object));
     list.clear();
     engine->getDependencies(node("a.c"), "Debug", list);
     engine->getDependencies(node("p"), "Debug", list);

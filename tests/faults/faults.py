@@ -24,9 +24,9 @@ import zlib
 
 SECONDS = 12
 START = int(time.time())
-CHANGES = ("write,writev,pwrite64,openat,rename,unlink,mkdir,fchmod,chmod,ftruncate,utimensat,fsync,flock,dup,close,vfork,"
+CHANGES = ("write,writev,pwrite64,openat,linkat,rename,unlink,mkdir,fchmod,chmod,ftruncate,utimensat,fsync,flock,dup,close,vfork,"
            "clone3,exit_group")
-NOTHING_WRITTEN = re.compile(r"openat\((?!.*O_CREAT)|write\([12],|close\(")  # a fault there is another matter
+NOTHING_WRITTEN = re.compile(r"openat\((?!.*(O_CREAT|O_TMPFILE))|write\([12],|close\(")  # a fault there is another matter
 
 # Tools that write as most tools of others do: in place, and bit by bit. The object tells its source and holds it.
 TOOLS = {
