@@ -20,7 +20,7 @@
 namespace {
 
 /// What is larger is not worth being fetched ahead, in memory that may never be asked for.
-constexpr off_t mostFetched = 1 << 20;
+constexpr off_t mostFetched = 1 << 18;
 
 /// What has no size of its own is read up to this many bytes: some devices never end.
 constexpr size_t mostUnsized = size_t{1} << 28;

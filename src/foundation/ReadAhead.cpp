@@ -38,7 +38,7 @@ ReadAhead::~ReadAhead() {
 }
 
 void ReadAhead::expect(const QString& directory, const QList<QString>& names) {
-    const bool isWorthIt = names.size() >= mostInBatch * static_cast<qsizetype>(mostBatches);
+    const bool isWorthIt = names.size() >= fewest;
     if (isWorthIt && !m_thread.joinable())
         start();
     if (!m_thread.joinable())
@@ -49,7 +49,7 @@ void ReadAhead::expect(const QString& directory, const QList<QString>& names) {
         m_names = isWorthIt ? names : QList<QString>();
         m_batches.clear();
         m_claimed = 0;
-        m_size = mostInBatch;
+        m_window = m_limit = mostAhead;
     }
     m_current = nullptr;
     m_asked = 0;
@@ -78,8 +78,8 @@ void ReadAhead::forget() {
     const std::lock_guard lock(m_mutex);
     m_batches.clear();
     m_current = nullptr;
-    m_claimed = m_asked;
-    m_size = 0;
+    m_claimed = m_limit = m_asked;
+    m_window = 0;
 }
 
 void ReadAhead::run() {
@@ -88,23 +88,20 @@ void ReadAhead::run() {
         m_wake.wait(lock, [this] { return m_stop || canClaim(); });
         if (m_stop)
             return;
-        fetch(lock, claim());
+        fetch(lock, claim(mostInBatch));
         m_done.notify_one();
     }
 }
 
-bool ReadAhead::canClaim() const {
-    return m_size > 0 && m_claimed < m_names.size() && m_batches.size() < mostBatches;
-}
+bool ReadAhead::canClaim() const { return m_claimed < std::min(m_names.size(), m_limit); }
 
-ReadAhead::Shared ReadAhead::claim() {
+ReadAhead::Shared ReadAhead::claim(qsizetype most) {
     const auto batch = std::make_shared<Batch>();
     batch->first = m_claimed;
     batch->directory = m_directory;
-    batch->names = m_names.mid(m_claimed, m_size);
+    batch->names = m_names.mid(m_claimed, std::min(most, m_limit - m_claimed));
     m_batches.push_back(batch);
     m_claimed += batch->names.size();
-    m_size = std::min(2 * m_size, mostInBatch);
     return batch;
 }
 
@@ -133,20 +130,20 @@ qsizetype ReadAhead::find(const QString& path) const {
 /// The batch of a file, fetched.
 ReadAhead::Shared ReadAhead::batchOf(qsizetype index) {
     std::unique_lock lock(m_mutex);
-    m_size = std::max(m_size, qsizetype{1});
+    m_window = std::min(2 * m_window + 1, mostAhead);
+    m_limit = index + m_window;
     while (!m_batches.empty() && !m_batches.front()->holds(index))
         m_batches.pop_front();
     if (m_batches.empty()) {
         m_claimed = index;
-        claim();
-        fetch(lock, m_batches.front());
+        fetch(lock, claim(1));
     }
     const Shared batch = m_batches.front();
-    if (m_batches.size() <= mostBatches / 2)
+    if (m_limit - m_claimed >= m_window / 2)
         m_wake.notify_one(); // in bursts: each waking costs as much as a file
     while (!batch->isFetched) {
         if (canClaim())
-            fetch(lock, claim());
+            fetch(lock, claim(mostInBatch));
         else
             m_done.wait(lock);
     }

@@ -46,7 +46,8 @@ public:
 
 private:
     static constexpr qsizetype mostInBatch = 16; ///< files
-    static constexpr size_t mostBatches = 16;
+    static constexpr qsizetype mostAhead = 256;
+    static constexpr qsizetype fewest = 64;   ///< that are worth a thread
     static constexpr qsizetype lookahead = 4; ///< how many files may be left out in a row
 
     /// Files in a row. Whoever claims it fetches them; from then on it is for whoever asks.
@@ -64,7 +65,7 @@ private:
     void start();
     void run();
     bool canClaim() const;
-    Shared claim();
+    Shared claim(qsizetype most);
     void fetch(std::unique_lock<std::mutex>& lock, const Shared& batch);
     qsizetype find(const QString& path) const;
     Shared batchOf(qsizetype index);
@@ -82,5 +83,6 @@ private:
     QList<QString> m_names;
     std::deque<Shared> m_batches; ///< in order, from the current one on
     qsizetype m_claimed = 0;      ///< the first name behind those of the batches
-    qsizetype m_size = 0;         ///< of the next batch; 0 until something is asked for
+    qsizetype m_window = 0;       ///< how many files may be fetched from what was asked for last on
+    qsizetype m_limit = 0;        ///< the first name that must not be fetched yet
 };
