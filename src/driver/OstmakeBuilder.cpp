@@ -36,7 +36,6 @@ void OstmakeBuilder::endGroup(ProjectElement*) { m_indent -= 2; }
 void OstmakeBuilder::init() {
     m_directory = QString();
     m_command.clear();
-    m_environment.clear();
     m_outputFiles.clear();
 }
 

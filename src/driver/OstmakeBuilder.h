@@ -21,8 +21,8 @@ public:
     void init() override;
     void setDirectory(const QString& directory) override { m_directory = directory; }
     void setCommand(const QStringList& words) override { m_command = words; }
-    /// Kept, not applied: a command inherits the environment of this process.
-    void setEnvironment(const QStringList& variables) override { m_environment = variables; }
+    /// Not applied: a command inherits the environment of this process.
+    void setEnvironment(const QStringList&) override {}
     /// Makes the directories of the files. When the command is interrupted, those that it has begun to write
     /// are removed, so that the next build makes them anew.
     void setOutputFiles(const QStringList& files) override;
@@ -54,7 +54,6 @@ private:
     bool m_show;
     QString m_directory;
     QStringList m_command;
-    QStringList m_environment;
     QStringList m_outputFiles;
     int m_indent = 0; ///< columns
 };

@@ -9,6 +9,9 @@
 
 namespace {
 
+/// Who enters a setting in the catalogue, in the order in which they do.
+enum class SettingOwner { Project, Build, Standard, SOBF, MSP430 };
+
 struct Further {
     std::string_view values = {};
     int minimum = 0;
@@ -109,8 +112,6 @@ QHash<QString, const PropertyClass*> makeClassesByName() {
 const PropertyClass& propertyClass(Setting setting) {
     return theCatalogue().classes[static_cast<size_t>(setting)];
 }
-
-SettingOwner settingOwner(Setting setting) { return theCatalogue().owners[static_cast<size_t>(setting)]; }
 
 const PropertyClassList& catalogue() { return theCatalogue().list; }
 

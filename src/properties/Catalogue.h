@@ -16,9 +16,6 @@ enum class Setting {
 #undef NAMED_SETTING
 };
 
-/// Who enters a setting in the catalogue, in the order in which they do.
-enum class SettingOwner { Project, Build, Standard, SOBF, MSP430 };
-
 constexpr size_t settingCount = 0
 #define GROUP(page, group)
 #define SETTING(...) +1
@@ -31,7 +28,6 @@ constexpr size_t settingCount = 0
 
 /// The class of a setting; lasts as long as the program.
 const PropertyClass& propertyClass(Setting setting);
-SettingOwner settingOwner(Setting setting);
 
 /// All classes, by page and group.
 const PropertyClassList& catalogue();

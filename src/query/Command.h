@@ -4,7 +4,6 @@
 #include <QList>
 #include <QString>
 #include <iosfwd>
-#include <span>
 #include <string>
 
 class QCommandLineParser;
@@ -29,9 +28,6 @@ struct QueryCommand {
     /// Carries it out; the exit status is what comes back. Throws QueryError, which is printed and gives 1.
     int (*run)(const QCommandLineParser& words, const QueryStreams& streams);
 };
-
-/// All commands, in the order in which help lists them.
-std::span<const QueryCommand> queryCommands();
 
 /// Runs the command that the words name; the first word is the program's name. Returns the exit status.
 int ostquery(const QStringList& words, const QueryStreams& streams);

@@ -94,8 +94,6 @@ int run(const QStringList& words, const QueryStreams& streams) {
 
 } // namespace
 
-std::span<const QueryCommand> queryCommands() { return commands; }
-
 int ostquery(const QStringList& words, const QueryStreams& streams) {
     try {
         return run(words, streams);

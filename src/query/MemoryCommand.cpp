@@ -106,7 +106,7 @@ QString hexadecimal(uint64_t address) { return "0x" + QString::number(address, 1
 QString textOf(const AddressRange& range) {
     const uint64_t last = sizeOf(range) ? range.end - 1 : range.end;
     const QString ends = hexadecimal(range.start) + "-" + hexadecimal(last);
-    return ends.leftJustified(15) + QString::number(sizeOf(range)).rightJustified(8);
+    return ends.leftJustified(15) + " " + QString::number(sizeOf(range)).rightJustified(7);
 }
 
 /// A character for each piece of a segment: "#" where a section has a fixed place, "." where all is free.

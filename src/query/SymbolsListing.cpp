@@ -19,8 +19,7 @@ const char* kindOf(const SourceBrowserObject& object) {
 const char* accessOf(int access) {
     return access == SourceBrowserObject::Public      ? "public"
            : access == SourceBrowserObject::Protected ? "protected"
-           : access == SourceBrowserObject::Private   ? "private"
-                                                      : "";
+                                                      : "private";
 }
 
 /// From 1.

@@ -1,6 +1,7 @@
 // The settings whose change in this process makes a step out of date, in the order in which they are asked:
 // the first that has changed is told, and no other.
 
+#include "macros/QTx.h"
 #include "support/BuildFixture.h"
 
 namespace {
@@ -94,6 +95,24 @@ TEST_F(ChangedSettings, CountInTheirOrderForEachKindOfStep) {
                 << row.action << " " << name->toStdString();
         }
     }
+}
+
+TEST_F(ChangedSettings, OfFurtherToolsCountForTheirStep) {
+    memory.write(QTx::applicationDirectory() + "/build_options.xml",
+                 "<tools><option name=\"speed\" short=\"Speed\" type=\"String\" tool=\"compiler\"/>"
+                 "<option name=\"layout\" short=\"Layout\" type=\"String\" tool=\"linker\"/></tools>");
+    for (const auto& [name, of, other] : {std::tuple{"speed", Action::CompileC, Action::Link},
+                                          std::tuple{"layout", Action::Link, Action::CompileC}}) {
+        restart();
+        system.solutionElement()->clearMarks();
+        const PropertyClass* setting = engine->findPropertyClass(name);
+        ASSERT_TRUE(setting) << name;
+        const QString text = setting->shortDescription();
+        change(*setting);
+        EXPECT_EQ(told(of), QStringList("message: " + text + " property has changed."));
+        EXPECT_EQ(told(other), QStringList());
+    }
+    EXPECT_EQ(engine->findPropertyClass("file_type"), catalogueClass("file_type"));
 }
 
 // A changed group is told of in any case, and compiles anew only if its entry has definitions.

@@ -1,4 +1,5 @@
 #include "support/BuildFixture.h"
+#include "support/TemporaryDirectory.h"
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
@@ -218,4 +219,34 @@ TEST_F(StandardBuildSystemTest, DependenciesOfNodesAreAbsolute) {
     engine->getDependencies(node("a.c"), "Debug", list);
     engine->getDependencies(node("p"), "Debug", list);
     EXPECT_THAT(list, ElementsAre("/s/a.c", "/s/x.h", "/s/Debug/a.vko", "/s/map.xml", "/s/m.vko"));
+    for (const auto& [type, of, expected] :
+         {std::tuple{"Library", "p", QStringList{"/s/Debug/a.vko", "/s/Debug/b.vko"}},
+          std::tuple{"Staging", "a.c", QStringList{"/s/d/a.c"}},
+          std::tuple{"Combining", "p", QStringList{"/s/d/a.c", "/s/b.c"}}}) {
+        load(
+            std::string("<project Name=\"p\"><configuration Name=\"Common\" project_type=\"") + type +
+            "\"/><folder Name=\"f\"><file file_name=\"d/a.c\"/></folder><file file_name=\"b.c\"/></project>");
+        list.clear();
+        engine->getDependencies(node(of), "Debug", list);
+        EXPECT_EQ(list, expected) << type;
+        EXPECT_FALSE(engine->canLoad(node("p"), "Debug"));
+    }
+}
+
+// Relative to the file before the directory as it stands, and that before the project; on disk, since rights
+// count.
+TEST_F(StandardBuildSystemTest, IncludedFilesAreFoundInTheOrderOfTheDirectories) {
+    const TemporaryDirectory tree;
+    const auto place = [&](const QString& name) -> QString { return tree.path() + "/" + name; };
+    load("<project Name=\"p\"><configuration Name=\"Common\" project_directory=\"" + tree.bytes() +
+         "/p\" c_user_include_directories=\"user;" + tree.bytes() +
+         "/all\" c_system_include_directories=\"system\"/><file file_name=\"" + tree.bytes() +
+         "/f/a.c\"/></project>");
+    EXPECT_TRUE(engine->findIncludeFile(false, "a.h", node("a.c"), "Debug").isNull());
+    for (const char* found : {"p/system/a.h", "f/system/a.h", "all/a.h", "p/user/a.h", "f/user/a.h"}) {
+        std::filesystem::create_directories(tree.bytes() + "/" + found);
+        memory.write(place(found), "");
+        EXPECT_EQ(engine->findIncludeFile(false, "a.h", node("a.c"), "Debug"), place(found));
+    }
+    EXPECT_EQ(engine->findIncludeFile(false, place("all/a.h"), node("a.c"), "Debug"), place("all/a.h"));
 }

@@ -1,4 +1,5 @@
 #include "Scan.h"
+#include "support/MemoryFiles.h"
 
 #include <chrono>
 
@@ -297,6 +298,18 @@ TEST(SourceBrowserCParser, SecondScanReplacesTheFirst) {
     EXPECT_EQ(header.dump(), "int|e; int|h; namespace n{int|g}");
     header.parse("", "/p/none.h");
     EXPECT_EQ(header.dump(), "int|e; int|h; namespace n{int|g}");
+}
+
+TEST(SourceBrowserCParser, FilesAreReadAndOneThatIsNotThereIsEmpty) {
+    MemoryFiles memory;
+    const FilesInPlace inPlace(&memory);
+    memory.write("/p/a.h", "int a;");
+    SourceBrowserDatabase database;
+    for (const auto& [path, lines] : {std::pair{"/p/a.h", 1}, std::pair{"/p/none.h", 0}}) {
+        SourceBrowserCParser(database).parseFile(path);
+        EXPECT_EQ(database.metrics(path).lines, lines);
+    }
+    EXPECT_EQ(Scan::dump(database), "int|a");
 }
 
 TEST(SourceBrowserCParser, DefinitionInAnotherFileOutlivesTheDeclaration) {

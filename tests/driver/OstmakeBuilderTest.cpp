@@ -73,7 +73,7 @@ protected:
         builder->setDirectory(tool.path());
         builder->setOutputFiles({"new.o", tool.path() + "/old.o"});
         doit(ShellTool::words(script));
-        ::_exit(0);
+        std::exit(0);
     }
 
     void TearDown() override { ::close(descriptor); }

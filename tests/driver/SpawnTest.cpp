@@ -103,6 +103,13 @@ TEST_F(SpawnTest, WithoutWaitingAProgramThatGoesOnGivesZero) {
     EXPECT_LT(seconds(), 2.5);
 }
 
+TEST_F(SpawnTest, WithoutWaitingAProgramThatEndsAtOnceGivesItsStatus) {
+    int result = 0;
+    for (int tries = 0; tries < 100 && result == 0; ++tries)
+        result = QTx::spawnProcess(ShellTool::words("exit 7"), false, tool.path(), false, &out, &err, true);
+    EXPECT_EQ(result, 7);
+}
+
 TEST_F(SpawnTest, BothStreamsArriveWholeHoweverMuchTheyHold) {
     const std::string bytes = std::to_string(megabytes * 1'000'000);
     const std::string some = "yes 012345678901234567890123456789012345678 | head -c " + bytes;
@@ -167,7 +174,7 @@ TEST_F(SpawnTest, OddInheritancesDoNoHarm) {
         ::signal(SIGCHLD, SIG_IGN);
         const bool isRight = runScript("echo out; echo err >&2; exit 7") == 7 && out == QStringList("out") &&
                              err == QStringList("err");
-        ::_exit(isRight ? 0 : 1);
+        std::exit(isRight ? 0 : 1);
     };
     EXPECT_EXIT(inChild(), testing::ExitedWithCode(0), "");
 }

@@ -63,6 +63,7 @@ TEST(Path, PartsOfTheText) {
         EXPECT_EQ(path.dirPath(false), row.directory) << row.text;
     }
     EXPECT_EQ(Path("x.c").dirPath(true), currentDirectory());
+    EXPECT_EQ(Path(toText("/a/../\xE9")).osPath(), "/\xE9");
 }
 
 TEST(Path, IsAValue) {

@@ -120,6 +120,8 @@ TEST(Expression, LeftOperandDecidesTheType) {
         {repeated("9", 400) + ".0", "inf double"},
         {"1.5 > 1", "true boolean"},
         {"1.0 / 0", "! divide by zero"},
+        {"1.5 - 0.25", "1.250000 double"},
+        {"1.5 / 2", "0.750000 double"},
         {"1.0 / 0.0", "! divide by zero"},
         {"1.5 % 2", "! unsupported binary numeric operation"},
         {"1.5 | 2", "! unsupported binary numeric operation"},
@@ -242,6 +244,8 @@ TEST(Expression, NarrowOperandsAreWidenedForTheLeftOne) {
     using T = ExpressionType;
     const auto sum = [](const T& left, const T& right) { return T::binary(Operator::Plus, left, right); };
     EXPECT_EQ(sum(T::ofSigned(0), T::ofUnsigned(0xFF, 1)).getInteger(), -1);
+    EXPECT_EQ(sum(T::ofSigned(0), T::ofUnsigned(0xFFFE, 2)).getInteger(), -2);
+    EXPECT_EQ(sum(T::ofSigned(0), T::ofUnsigned(0xFFFFFFFD, 4)).getInteger(), -3);
     EXPECT_EQ(sum(T::ofUnsigned(0), T::ofSigned(-1, 2)).getUInteger(), 0xFFFFu);
     EXPECT_EQ(sum(T::ofUnsigned(0), T::ofSigned(-1, 4)).getUInteger(), 0xFFFFFFFFu);
     EXPECT_EQ(sum(T::ofUnsigned(0), T::ofFloat(1, 4)).getUInteger(), 0x3F800000u);

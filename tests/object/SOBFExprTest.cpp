@@ -192,6 +192,25 @@ TEST_F(SOBFExprTest, EqualsComparesPartByPart) {
     EXPECT_TRUE(make(TAG_SUBTRACT, use(a), number(1))->equals(make(TAG_SUBTRACT, use(a), number(1))));
     EXPECT_FALSE(make(TAG_SUBTRACT, use(a), number(1))->equals(make(TAG_ADD, use(a), number(1))));
     EXPECT_FALSE(use(a)->equals(use(symbol("a")))) << "two symbols of one name";
+    const auto place = new SOBFMarker;
+    const auto wrapped = [](SOBFExpr* inner) { return new SOBFTypeExpr(inner); };
+    SOBFExpr* const distinct[] = {number(4),
+                                  number(5),
+                                  new SOBFRegisterExpr(4),
+                                  new SOBFRegisterExpr(5),
+                                  new SOBFMarkerExpr(place),
+                                  new SOBFMarkerExpr(new SOBFMarker),
+                                  wrapped(number(4)),
+                                  wrapped(use(a))};
+    for (const SOBFExpr* one : distinct)
+        for (const SOBFExpr* other : distinct)
+            EXPECT_EQ(one->equals(other), one == other) << one->printString() << other->printString();
+    EXPECT_TRUE(distinct[0]->equals(number(4)) && distinct[3]->equals(new SOBFRegisterExpr(5)));
+    EXPECT_TRUE(distinct[4]->equals(new SOBFMarkerExpr(place)) && distinct[7]->equals(wrapped(use(a))));
+    EXPECT_TRUE(distinct[6]->isConstant() && !distinct[7]->isConstant());
+    EXPECT_EQ(distinct[6]->evaluate().value, 4);
+    distinct[7]->markReachable(true);
+    EXPECT_TRUE(a->reachable);
     EXPECT_EQ(SOBFRegisterExpr::getRegisterNumber("SR"), 2);
     EXPECT_EQ(SOBFRegisterExpr::getRegisterNumber("R1"), -1);
 }

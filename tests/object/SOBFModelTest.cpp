@@ -188,27 +188,39 @@ TEST_F(SOBFModelTest, TypesMakeUpTheirNames) {
     function->inputs = {symbol("a", integer), symbol("b", pointer)};
     auto* member = new SOBFMemberFunctionType(structure);
     member->outputs = {symbol("r", character)};
-    const std::pair<SOBFType*, const char*> cases[] = {
-        {integer, "INT(2)"},
-        {character, "UNSIGNED(1)"},
-        {new SOBFFloatType(4), "FLOAT(4)"},
-        {new SOBFUntypedType(0), "VOID"},
-        {pointer, "INT(2)*"},
-        {new SOBFPtrType(2), "?*"},
-        {new SOBFQualifiedType(pointer, TAG_FIRST_MEMSPACE), "INT(2)*"},
-        {new SOBFArrayType(integer, 3), "INT(2)[3]"},
-        {new SOBFCountedArrayType(character, integer, 3), "UNSIGNED(1)::[INT(2)]"},
-        {structure, "{ INT(2) x; INT(2)* p }"},
-        {function, "(INT(2), INT(2)*)"},
-        {member, "{ INT(2) x; INT(2)* p }::()->(UNSIGNED(1))"},
+    const auto kindsOf = [](const SOBFType* type) {
+        const std::pair<bool, char> kinds[] = {
+            {type->isSimple(), 'i'},       {type->isFloat(), 'f'},    {type->isArray(), 'a'},
+            {type->isCountedArray(), 'c'}, {type->isStruc(), 's'},    {type->isPtr(), 'p'},
+            {type->isQualified(), 'q'},    {type->isFunction(), 'u'}, {type->isMemberFunction(), 'm'}};
+        std::string text;
+        for (const auto& [is, letter] : kinds)
+            text += is ? std::string(1, letter) : "";
+        return text;
     };
-    for (const auto& [type, text] : cases)
+    const std::tuple<SOBFType*, const char*, const char*, SOBFType*> cases[] = {
+        {integer, "INT(2)", "i", nullptr},
+        {character, "UNSIGNED(1)", "i", nullptr},
+        {new SOBFFloatType(4), "FLOAT(4)", "f", nullptr},
+        {new SOBFUntypedType(0), "VOID", "", nullptr},
+        {pointer, "INT(2)*", "p", nullptr},
+        {new SOBFPtrType(2), "?*", "p", nullptr},
+        {new SOBFQualifiedType(pointer, TAG_FIRST_MEMSPACE), "INT(2)*", "q", nullptr},
+        {new SOBFArrayType(integer, 3), "INT(2)[3]", "a", integer},
+        {new SOBFCountedArrayType(character, integer, 3), "UNSIGNED(1)::[INT(2)]", "c", integer},
+        {structure, "{ INT(2) x; INT(2)* p }", "s", nullptr},
+        {function, "(INT(2), INT(2)*)", "u", nullptr},
+        {member, "{ INT(2) x; INT(2)* p }::()->(UNSIGNED(1))", "um", nullptr},
+    };
+    for (const auto& [type, text, kinds, element] : cases) {
         EXPECT_EQ(type->getName()->view(), text);
+        EXPECT_EQ(kindsOf(type), kinds) << text;
+        EXPECT_EQ(type->getElementType(), element) << text;
+    }
     EXPECT_EQ(SOBFArrayType(integer, 3).size, 6);
     EXPECT_EQ(SOBFCountedArrayType(character, integer, 3).size, 2);
     EXPECT_EQ(structure->findField(name("p")), structure->fields[1]);
     EXPECT_THAT(integer->findField(name("p")), IsNull());
-    EXPECT_TRUE(member->isFunction() && member->isMemberFunction() && !function->isMemberFunction());
 }
 
 TEST_F(SOBFModelTest, NameOfATypeThatHoldsItselfIsCutOff) {

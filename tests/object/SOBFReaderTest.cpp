@@ -225,6 +225,14 @@ TEST(SOBFReaderTest, TraceTellsOffsetTagAndStack) {
                            "25\tDROP\t\n");
 }
 
+TEST(SOBFReaderTest, TraceTellsTextsAndFunctionsOnTheStack) {
+    std::ostringstream trace;
+    const ReadObject object(ObjectBytes::bytes("'text' 4F 02 22 4E 00 00 00 42 4F 4F 4F"), false, &trace);
+    EXPECT_THAT(trace.str(), testing::HasSubstr("MKSTRING\tstr:xt \n"));
+    EXPECT_THAT(trace.str(), testing::HasSubstr("DUP\tstr:xt str:xt \n"));
+    EXPECT_THAT(trace.str(), testing::HasSubstr("FUNCTION\tstr:xt str:xt fcn \n"));
+}
+
 TEST(SOBFReaderTest, TraceOfAnUnknownTagEndsWithItsNumber) {
     std::ostringstream trace;
     HByteStream stream;

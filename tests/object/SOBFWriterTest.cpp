@@ -67,7 +67,7 @@ TEST(SOBFWriterTest, BodyComesInTheCanonicalOrder) {
         "'c' 1D 4E 05 21 03 56 00 25 29 " // special
         "'S' 28 06 21 06 20 27 01 60 "
         "32 04 37 01 63 04 37 'c' 00 24 " // a break, a marker
-        "06 37 01 20 1F 02 2C '' 38 08 01 08 37 00 63 0A 08 02 41 30 2D "
+        "06 37 01 20 1F 02 2C '' 38 08 01 08 37 00 63 0A 08 02 41 30 2D 08 01 08 37 01 63 02 50 05 5B "
         "54 04 58");
     EXPECT_EQ(rewritten(file), file);
 }

@@ -33,6 +33,8 @@ protected:
 
 TEST_F(Templates, RecipeMakesFoldersFilesAndSettings) {
     EXPECT_EQ(made("<folder name=\"Source\" filter=\"c\"><folder name=\"Inner\"/></folder>"
+                   "<folder name=\"Source\" filter=\"h\"/><folder name=\"Late\"/>"
+                   "<folder name=\"Late\" filter=\"x\"/>"
                    "<file name=\"$(ProjectName:none)/main.c\"/>"
                    "<file name=\"$(ProjectName)/raw.h\" expand=\"No\"><property name=\"file_type\" "
                    "value=\"C\"/></file>"
@@ -48,6 +50,8 @@ TEST_F(Templates, RecipeMakesFoldersFilesAndSettings) {
                    "      folder Name=\"Inner\"\n"
                    "      file file_name=\"p/main.c\"\n"
                    "      file file_name=\"x.txt\"\n"
+                   "    folder Name=\"Late\"\n"
+                   "      configuration Name=\"Common\" filter=\"x\"\n"
                    "    file file_name=\"$(ProjectName)/raw.h\"\n"
                    "      configuration Name=\"Common\" file_type=\"C\"\n"));
     EXPECT_FALSE(system.solutionElement()->modified());

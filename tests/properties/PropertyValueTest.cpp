@@ -41,6 +41,8 @@ TEST(PropertyClass, ConstructorsSetDefaultsOfTheirType) {
     EXPECT_EQ(PropertyClass("n", PropertyClass::Boolean, "", "", "", "", QString()).defaultValue(), "No");
     EXPECT_TRUE(PropertyClass("n", PropertyClass::String, "", "", "", "", QString()).defaultValue().isNull());
     EXPECT_TRUE(PropertyClass("n", PropertyClass::Boolean).defaultValue().isNull());
+    const PropertyClass range("n", PropertyClass::IntegerRange, -1, 9);
+    EXPECT_TRUE(range.minimum() == -1 && range.maximum() == 9 && range.defaultValue().isNull());
     EXPECT_THAT(PropertyClass("n", PropertyClass::Boolean).enumerates(),
                 ElementsAre(QString("No"), QString("Yes")));
 }

@@ -88,10 +88,10 @@ TEST(SettingsXml, ValueIsTheFirstChild) {
 
 TEST(SettingsXml, SettingsAreFoundAtAnyDepthAndNeedAName) {
     Entries read;
-    ASSERT_TRUE(
-        SettingsXml::read("<r><a><setting name='x'>1<setting name='y'>2</setting></setting></a>"
-                          "<setting name=''>3</setting><setting>4</setting><other name='o'>5</other></r>",
-                          read));
+    ASSERT_TRUE(SettingsXml::read(
+        "<?xml version='1.0'?><r><?more?><a><setting name='x'>1<setting name='y'>2</setting></setting></a>"
+        "<setting name=''>3</setting><setting>4</setting><other name='o'>5</other></r>",
+        read));
     EXPECT_EQ(read, (Entries{{"x", "1"}, {"y", "2"}}));
 }
 

@@ -12,6 +12,7 @@
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
+using namespace std::string_literals;
 
 namespace {
 
@@ -80,6 +81,15 @@ TEST_F(PackageCommand, ExtractsOverWhatIsThere) {
     EXPECT_EQ(extract(), 0) << err;
     EXPECT_EQ(contents(target() + "/d/e/f"), "new");
     EXPECT_EQ(contents(target() + "/g"), "");
+}
+
+TEST_F(PackageCommand, ExtractsUnderTheRootAndNotUnderAFile) {
+    add((outside().substr(1) + "/h").c_str(), "new");
+    store();
+    EXPECT_EQ(run({"--extract", "/"}), 0) << err;
+    EXPECT_EQ(contents(outside() + "/h"), "new");
+    EXPECT_EQ(run({"--extract", package() + "/d"}), 1);
+    EXPECT_EQ(err, "ostquery: can't make the directory " + directory.bytes() + "/p.vkq/d\n");
 }
 
 TEST(PackageExtraction, NamesThatLeadOutOfTheDirectoryAreRefused) {
@@ -153,8 +163,10 @@ TEST_F(PackageCommand, WhatCannotBeWrittenIsSaid) {
     add("a", "x");
     add("a/b", "x");
     add("a", "y");
+    add((std::string(300, 'n') + "/a").c_str(), "x");
     store();
     EXPECT_EQ(extract(), 1);
+    EXPECT_THAT(err, HasSubstr("n/a\" not extracted: File name too long\n"));
     EXPECT_THAT(err, HasSubstr("/directory\" is there and is no file\n"));
     EXPECT_THAT(err, HasSubstr("\"a/b\" not extracted: Not a directory\n"));
     EXPECT_THAT(err, HasSubstr("\"a\" not extracted: it is there twice, and the first counts\n"));
@@ -211,6 +223,10 @@ TEST_F(PackageCommand, WhatIsNoPackageIsNamed) {
     ASSERT_EQ(files().replace(package(), "text"), 0);
     EXPECT_EQ(run({}), 1);
     EXPECT_THAT(err, testing::EndsWith("/p.vkq: no package, or damaged\n"));
+    ASSERT_EQ(
+        files().replace(package(), "\x7A\xF4\x31\xB2\1\0\0\0\xC0\0\0\0"s + std::string(4'000'000, '\0')), 0);
+    EXPECT_EQ(run({}), 1);
+    EXPECT_THAT(err, testing::EndsWith("/p.vkq: larger than 2,147,483,647 bytes\n"));
     EXPECT_EQ(run({"other"}), 1);
     EXPECT_EQ(err, "ostquery: package: one file expected\n");
 }

@@ -49,6 +49,24 @@ TEST(LineTableTest, DamagedTablesAreRefusedOrShort) {
     }
 }
 
+TEST(LineTableTest, InstructionsThatOthersWrite) {
+    ElfFile elf(elfBytes(programWithLines()));
+    for (ElfSection& section : elf.sections) {
+        if (section.name != ".debug_line")
+            continue;
+        std::string& bytes = section.bytes;
+        bytes.resize(10 + static_cast<uint8_t>(bytes[6])); // up to the end of the header
+        bytes +=
+            {9, 4,  0,    1,          // 4 bytes on, and a row
+             8, 46, 6,    5,    0x7F, // 17 units on; 2 units and 3 lines on, and a row; statement; column
+             0, 3,  0x70, 1,    2,    // an instruction of somebody's own
+             0, 0,  3,    0x7E, 1,    // nothing; 2 lines back, and a row
+             0, 1,  1};               // the end
+        bytes[0] = static_cast<char>(bytes.size() - 4);
+    }
+    EXPECT_THAT(texts(readLines(elf)), ElementsAre("4 src/a.c:1", "23 src/a.c:4", "23 src/a.c:2", "23 end"));
+}
+
 TEST(LineTableTest, OtherVersionsArePassedOver) {
     ElfFile elf(elfBytes(programWithLines()));
     for (ElfSection& section : elf.sections)

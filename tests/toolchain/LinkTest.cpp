@@ -1,8 +1,13 @@
-#include "toolchain/qlink/LinkOptions.h"
+#include "toolchain/qlink/Link.h"
 
 #include "foundation/HException.h"
+#include "object/ObjectBytes.h"
+#include "support/TemporaryDirectory.h"
+#include "toolchain/common/ElfFile.h"
 #include "toolchain/qlink/Checksum.h"
+#include "toolchain/qlink/LinkOptions.h"
 
+#include <fstream>
 #include <gmock/gmock.h>
 
 using namespace testing;
@@ -55,6 +60,22 @@ TEST(LinkTest, ChecksumsHaveTheirCheckValues) {
     EXPECT_EQ(checksumAlgorithm("sum")("\x01\xFF\x02"), 0x102U);
     EXPECT_EQ(checksumAlgorithm("xor")("\x0F\xF0\x01"), 0xFEU);
     EXPECT_EQ(checksumAlgorithm("CRC16"), nullptr);
+}
+
+TEST(LinkTest, WhatAConditionExcludesIsLeftOut) {
+    const TemporaryDirectory directory;
+    LinkOptions options;
+    options.inputs = {directory.bytes() + "/a.vko"};
+    options.output = "a.vkx";
+    options.placements = {parsePlacement("S=1000-2000")};
+    std::ofstream(options.inputs[0]) << ObjectBytes::bytes(
+        "09 09 09 4A 4F 'S' 28 27 01 01 2C "
+        "00 70 02 01 2C 01 70 03 01 2C 71 04 01 2C 71 05 01 2C "
+        "01 70 06 01 2C 71 07 01 2C");
+    Tool tool("qlink", "");
+    const auto made = linkInMemory(tool, options);
+    ASSERT_TRUE(made);
+    EXPECT_EQ(ElfFile(made->executable).find("S")->bytes, "\1\5\6\7");
 }
 
 } // namespace

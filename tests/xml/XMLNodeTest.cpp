@@ -35,6 +35,18 @@ TEST_F(XMLNodeTest, AppendsAndPrepends) {
     EXPECT_EQ(treeText(alone), "e [f]");
 }
 
+TEST_F(XMLNodeTest, NamesAndTextsAreReplaced) {
+    root->setTagName("s");
+    EXPECT_EQ(treeText(root), "s [a, b, c]");
+    XMLData data("old");
+    XMLComment comment("old");
+    XMLCDATASection section("old");
+    data.setData("data");
+    comment.setComment("comment");
+    section.setCDATASection("section");
+    EXPECT_EQ(std::string(data.data()) + comment.comment() + section.CDATASection(), "datacommentsection");
+}
+
 TEST_F(XMLNodeTest, ARemovedChildStillLeadsOn) {
     XMLElement* b = child("b");
     root->removeChild(b);

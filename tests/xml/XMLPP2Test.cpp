@@ -72,6 +72,7 @@ TEST_F(XMLPP2Test, TestsKeepOrDropTheirContent) {
         {"<ifdef><a/></ifdef><ifndef><b/></ifndef>", "A=1", "b"},
         {"<a><if A=\"1\"><b/></if></a>", "A=1", "a [b]"},
         {"<if A=\"$(B)\"><a/></if>", "A=1;B=1", "a"},
+        {"<if A=\"$x $(B)\"><a/></if>", "A=$x 1;B=1", "a"},
     };
     for (const auto& [text, macros, tree] : rows) {
         EXPECT_EQ(inRoot(text, macros), tree) << text;

@@ -124,6 +124,14 @@ int Library::definer(std::string_view symbol) const {
     return member == m_memberAt.end() ? -1 : member->second;
 }
 
+Library openLibrary(const std::string& name, std::string_view bytes) {
+    try {
+        return Library(bytes);
+    } catch (const HException& exception) {
+        throw HException(name + ": " + exception.text());
+    }
+}
+
 std::string libraryBytes(const std::vector<LibraryEntry>& entries) {
     std::string longNames;
     std::vector<std::string> fields;

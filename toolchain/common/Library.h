@@ -33,6 +33,9 @@ private:
     std::map<std::string_view, size_t> m_index;
 };
 
+/// A library whose name stands in front of what is wrong with it.
+Library openLibrary(const std::string& name, std::string_view bytes);
+
 /// What goes into a new library.
 struct LibraryEntry {
     std::string name;

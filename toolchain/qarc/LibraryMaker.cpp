@@ -31,7 +31,7 @@ std::string makeLibrary(const std::vector<std::string>& inputs) {
             entries.push_back(entryFor(path, baseName(path), bytes));
             continue;
         }
-        const Library library(bytes);
+        const Library library = openLibrary(path, bytes);
         for (const Library::Member& member : library.members())
             entries.push_back(entryFor(path + "(" + member.name + ")", member.name, member.bytes));
     }
@@ -41,7 +41,7 @@ std::string makeLibrary(const std::vector<std::string>& inputs) {
 std::string listLibrary(const std::string& path) {
     const std::string bytes = readInput(path);
     std::string text;
-    const Library library(bytes);
+    const Library library = openLibrary(path, bytes);
     for (const Library::Member& member : library.members()) {
         text += member.name + "\n";
         for (const std::string& symbol : definedIn(path + "(" + member.name + ")", member.bytes))

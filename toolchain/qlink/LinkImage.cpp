@@ -78,7 +78,7 @@ private:
         if (!value.failed && fits(value.value, bitsOf(&insn)))
             return;
         std::string place = m_layout.moduleOf(&fragment);
-        if (insn.locus && insn.locus->file && insn.locus->file->path)
+        if (insn.locus && insn.locus->fragment == &fragment && insn.locus->file && insn.locus->file->path)
             place = std::string(insn.locus->file->path->view()) + ":" + std::to_string(insn.locus->line);
         m_tool.error(place + ": " + operand.printString() + " in section " + section.name +
                      (value.failed ? " has no value: " + value.message
@@ -100,9 +100,7 @@ private:
     void makeChecksums() {
         for (const LinkLayout::ChecksumRecord& record : m_layout.checksums()) {
             const OutputSection& section = *m_layout.find(record.section);
-            std::string bytes;
-            for (const OutputSection::Extent& extent : section.extents)
-                bytes += bytesOf(section, extent);
+            const std::string bytes = bytesOf(section, section.extents.front()); // it has one only
             record.value->value = checksumAlgorithm(m_options.checksumAlgorithm)(bytes);
         }
         if (const OutputSection* table = m_layout.find("CHECKSUM"))

@@ -63,13 +63,10 @@ void LinkInputs::load() {
 
 void LinkInputs::addFile(const std::string& path) {
     std::string bytes = readInput(path);
-    if (!Library::isLibrary(bytes))
-        return addModule(path, bytes);
-    try {
+    if (Library::isLibrary(bytes))
         m_libraries.push_back(std::make_unique<SearchedLibrary>(path, std::move(bytes)));
-    } catch (const HException& exception) {
-        throw HException(path + ": " + exception.text());
-    }
+    else
+        addModule(path, bytes);
 }
 
 void LinkInputs::addModule(const std::string& name, std::string_view bytes) {

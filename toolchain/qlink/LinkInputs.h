@@ -42,7 +42,7 @@ private:
         Library library;
         std::set<int> taken;
         SearchedLibrary(std::string p, std::string b)
-            : path(std::move(p)), bytes(std::move(b)), library(bytes) {}
+            : path(std::move(p)), bytes(std::move(b)), library(openLibrary(path, bytes)) {}
     };
 
     Tool& m_tool;

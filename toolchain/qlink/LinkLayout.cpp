@@ -193,6 +193,11 @@ bool LinkLayout::isLoadedWhereItIs(const OutputSection& section) const {
            m_options.loaded.end();
 }
 
+bool LinkLayout::hasChecksum(const OutputSection& section) const {
+    const auto& names = m_options.checksumSections;
+    return std::find(names.begin(), names.end(), section.name) != names.end();
+}
+
 OutputSection& LinkLayout::addOwn(const std::string& name, SOBFSection* section, bool loaded) {
     OutputSection& output = sectionFor(name);
     output.loaded = loaded;
@@ -209,8 +214,8 @@ void LinkLayout::addOwnSections() {
         section.loaded = isLoadedWhereItIs(section);
     addHeap();
     addCopies();
-    addChecksums();
     addInitTable();
+    addChecksums();
 }
 
 /// As large as the symbol heap_size says, if anything asks for it.

@@ -86,6 +86,7 @@ private:
     void addChecksums();
     OutputSection& addOwn(const std::string& name, SOBFSection* section, bool loaded);
     bool isLoadedWhereItIs(const OutputSection& section) const;
+    bool hasChecksum(const OutputSection& section) const;
 
     void findPlacements();
     const Placement* placementOf(const std::string& name) const;

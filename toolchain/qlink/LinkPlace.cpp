@@ -50,7 +50,8 @@ void LinkLayout::place(OutputSection& section) {
         return placeTable(section);
     if (placeWhole(section))
         return;
-    const bool mayBeSplit = section.loaded && !(section.flags & section_flags::Writable);
+    const bool mayBeSplit =
+        section.loaded && !(section.flags & section_flags::Writable) && !hasChecksum(section);
     if (!mayBeSplit || !placeInPieces(section))
         refuse(section);
 }

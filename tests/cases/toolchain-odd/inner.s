@@ -1,0 +1,5 @@
+        .text
+        .word   1
+        .word   elsewhere
+inner = . - 1
+        .word   inner

@@ -1,0 +1,5 @@
+        .text
+        .word   1
+        jmp     elsewhere
+inner = . - 1
+        .word   inner

@@ -1,0 +1,4 @@
+        .text
+        .word   note
+        .section .note, ""
+note:   .word   1
