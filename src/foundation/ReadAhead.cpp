@@ -38,15 +38,12 @@ ReadAhead::~ReadAhead() {
 }
 
 void ReadAhead::expect(const QString& directory, const QList<QString>& names) {
-    const bool isWorthIt = names.size() >= fewest;
-    if (isWorthIt && !m_thread.joinable())
+    if (names.size() >= fewest && !m_thread.joinable())
         start();
-    if (!m_thread.joinable())
-        return;
     {
         const std::lock_guard lock(m_mutex);
         m_directory = directory;
-        m_names = isWorthIt ? names : QList<QString>();
+        m_names = names;
         m_batches.clear();
         m_claimed = 0;
         m_window = m_limit = mostAhead;
@@ -73,8 +70,6 @@ void ReadAhead::start() {
 }
 
 void ReadAhead::forget() {
-    if (!m_thread.joinable())
-        return;
     const std::lock_guard lock(m_mutex);
     m_batches.clear();
     m_current = nullptr;
@@ -136,7 +131,7 @@ ReadAhead::Shared ReadAhead::batchOf(qsizetype index) {
         m_batches.pop_front();
     if (m_batches.empty()) {
         m_claimed = index;
-        fetch(lock, claim(1));
+        fetch(lock, claim(m_thread.joinable() ? 1 : mostInBatch)); // the thread goes on from there
     }
     const Shared batch = m_batches.front();
     if (m_limit - m_claimed >= m_window / 2)
@@ -152,7 +147,7 @@ ReadAhead::Shared ReadAhead::batchOf(qsizetype index) {
 
 /// What is known of a file, which is fetched if that has not been done; null if it is not expected.
 ReadAhead::Fetched* ReadAhead::at(const QString& path) {
-    const qsizetype index = m_thread.joinable() ? find(path) : -1;
+    const qsizetype index = find(path);
     if (index < 0)
         return nullptr;
     m_asked = index;
@@ -162,8 +157,8 @@ ReadAhead::Fetched* ReadAhead::at(const QString& path) {
 }
 
 std::optional<FileStatus> ReadAhead::status(const QString& path) {
-    const Fetched* fetched = at(path);
-    return fetched ? fetched->status : std::nullopt;
+    Fetched* fetched = at(path);
+    return fetched ? std::exchange(fetched->status, std::nullopt) : std::nullopt;
 }
 
 std::optional<FileBytes> ReadAhead::read(const QString& path) {

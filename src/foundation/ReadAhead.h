@@ -39,9 +39,9 @@ public:
     void expect(const QString& directory, const QList<QString>& names);
     void forget();
 
-    /// What is known of an expected file; nothing of any other.
+    /// What is known of an expected file, each once: who asks again wants to know of a change. Nothing of any
+    /// other file.
     std::optional<FileStatus> status(const QString& path);
-    /// The same, once.
     std::optional<FileBytes> read(const QString& path);
 
 private:

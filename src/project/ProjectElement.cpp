@@ -79,8 +79,9 @@ ProjectElement* ProjectElement::appendChild(std::unique_ptr<ProjectElement> chil
     m_lastChild = added;
     if (added->is(Configuration)) {
         if (!m_configurations)
-            m_configurations = std::make_unique<std::map<Symbol, ProjectElement*>>();
-        (*m_configurations)[Symbol::of(added->getName())] = added;
+            m_configurations = std::make_unique<std::map<Symbol, Named>>();
+        Named& entry = (*m_configurations)[Symbol::of(added->getName())];
+        entry = {entry.first ? entry.first : added, added};
     }
     m_modified = true;
     return added;
@@ -101,7 +102,9 @@ std::unique_ptr<ProjectElement> ProjectElement::removeChild(ProjectElement* chil
         m_lastChild = previous;
     removed->m_parent = nullptr;
     if (m_configurations) {
-        std::erase_if(*m_configurations, [&](const auto& entry) { return entry.second == child; });
+        std::erase_if(*m_configurations, [&](const auto& entry) { return entry.second.last == child; });
+        for (auto& [name, entry] : *m_configurations)
+            entry.first = entry.first == child ? entry.last : entry.first;
         if (m_configurations->empty())
             m_configurations.reset();
     }
@@ -203,18 +206,18 @@ void ProjectElement::clearMarks() {
     }
 }
 
-ProjectElement* ProjectElement::configuration(Symbol name) const {
-    if (!m_configurations || !name)
-        return nullptr;
-    const auto found = m_configurations->find(name);
-    return found == m_configurations->end() ? nullptr : found->second;
+ProjectElement::Named ProjectElement::named(Symbol configuration) const {
+    if (!m_configurations || !configuration)
+        return {};
+    const auto found = m_configurations->find(configuration);
+    return found == m_configurations->end() ? Named() : found->second;
 }
 
 ElementMap ProjectElement::configurations() const {
     ElementMap byName;
     if (m_configurations) {
-        for (const auto& [name, element] : *m_configurations)
-            byName.insert(name.text(), element);
+        for (const auto& [name, entry] : *m_configurations)
+            byName.insert(name.text(), entry.last);
     }
     return byName;
 }
@@ -254,8 +257,8 @@ void ProjectElement::updateInheritenceMap() {
     if (!m_configurations)
         return;
     const Symbol list = Symbol::of(QString("inherited_configurations"));
-    for (const auto& [name, element] : *m_configurations) {
-        const Attribute* names = element->find(list);
+    for (const auto& [name, holders] : *m_configurations) {
+        const Attribute* names = holders.last->find(list);
         if (!names)
             continue;
         std::vector<Symbol>& inheritedNames = makeSolutionStuff().inheritance[name];

@@ -85,7 +85,9 @@ public:
     bool hasConfigurations() const { return m_configurations != nullptr; }
     /// The configuration child of this name, or null.
     ProjectElement* configuration(const QString& name) const { return configuration(Symbol::find(name)); }
-    ProjectElement* configuration(Symbol name) const;
+    ProjectElement* configuration(Symbol name) const { return named(name).last; }
+    /// The same, but of two with one name the earlier.
+    ProjectElement* firstConfiguration(const QString& name) const { return named(Symbol::find(name)).first; }
     ElementMap configurations() const;
     /// What this node's own configuration states; null if nothing.
     const QString* statedValue(Symbol configuration, Symbol property) const;
@@ -136,6 +138,11 @@ private:
         QDateTime time;
         bool flag = false;
     };
+    /// The configurations of one name.
+    struct Named {
+        ProjectElement* first = nullptr;
+        ProjectElement* last = nullptr;
+    };
     struct FileStuff {
         Path path;
         QString projectDir;
@@ -149,6 +156,7 @@ private:
     };
 
     const Attribute* find(Symbol name) const;
+    Named named(Symbol configuration) const;
     void store(Symbol name, const QString& value);
     void stamp(Symbol name, bool flag);
     const FileStuff& fileStuff() const;
@@ -163,7 +171,7 @@ private:
     std::unique_ptr<ProjectElement> m_firstChild;
     ProjectElement* m_lastChild = nullptr;
     std::vector<Attribute> m_attributes; ///< in the order of their symbols
-    std::unique_ptr<std::map<Symbol, ProjectElement*>> m_configurations;
+    std::unique_ptr<std::map<Symbol, Named>> m_configurations;
     std::unique_ptr<std::map<Symbol, Change>> m_changes;
     std::unique_ptr<FileStuff> m_file;
     std::unique_ptr<SolutionStuff> m_solution;

@@ -95,6 +95,8 @@ public:
     /// Names of the configurations that the solutions around the element (null: the root) declare, in order;
     /// `flags` of ConfigurationFlag. Never empty: "Common" is the last resort.
     QStringList configurations(ProjectElement* element, int flags) const;
+    /// The first of the element's own configurations of this name, which is where values are stated; null if
+    /// there is none. A search for a value asks the last one.
     ProjectElement* findConfiguration(ProjectElement* element, const QString& name) const;
     /// The settings that exist on the element, in their order. The list deletes them.
     virtual PropertyValueList applicableSettingsFor(ProjectElement* element, const QString& configName);

@@ -203,7 +203,7 @@ QString ProjectSystem::platform(ProjectElement* element) const {
 }
 
 ProjectElement* ProjectSystem::findConfiguration(ProjectElement* element, const QString& name) const {
-    return element->configuration(name);
+    return element->firstConfiguration(name);
 }
 
 QStringList ProjectSystem::configurations(ProjectElement* element, int flags) const {

@@ -1,5 +1,6 @@
 #include "properties/PropertyValue.h"
 
+#include "foundation/Number.h"
 #include "macros/MacroSystem.h"
 
 #include <QDebug>
@@ -65,9 +66,7 @@ int PropertyValue::toInt() const {
     const QString text = textOrDefault();
     if (isEnumerated())
         return static_cast<int>(std::max<qsizetype>(m_propertyClass->enumerates().indexOf(text), 0));
-    if (text.contains(u'b', Qt::CaseInsensitive) && !text.contains(u'x', Qt::CaseInsensitive))
-        return 0; // "0b1" is no number here, though it is one to the library
-    return text.toInt(nullptr, 0);
+    return isBinaryNumber(text) ? 0 : text.toInt(nullptr, 0);
 }
 
 bool PropertyValue::toBool() const {

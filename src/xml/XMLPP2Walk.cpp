@@ -12,6 +12,7 @@
 
 #include "xml/XMLPP2Walk.h"
 
+#include "foundation/Number.h"
 #include "foundation/Text.h"
 #include "macros/MacroSystem.h"
 #include "macros/Path.h"
@@ -26,7 +27,9 @@ namespace {
 constexpr size_t includeCost = 1000;
 
 /// The numbers of <for>: 32 bits, decimal or with a prefix; 0 for what is no number.
-uint32_t numberIn(const QString& text) { return static_cast<uint32_t>(text.toULong(nullptr, 0)); }
+uint32_t numberIn(const QString& text) {
+    return isBinaryNumber(text) ? 0 : static_cast<uint32_t>(text.toULong(nullptr, 0));
+}
 
 QString decimal(uint32_t value) { return QString::number(value); }
 

@@ -38,6 +38,7 @@ TEST_F(NodeMacrosOf, EachKindOfNodeHasItsMacros) {
         {"$(OBJ)$(EXE)$(LIB)$(PackageExt)", ".vko.vkx.vkavkq", ".vko.vkx.vkavkq", ".vko.vkx.vkavkq"},
         {"$(IntDir)", ".", ".", "Debug"},
         {"$(OutDir)|$(RootOutDir)", "app/Debug|out", "app/Debug|out", "app/Debug|out"},
+        {"$(RootRelativeOutDir)", "../../out", "../../out", "../../out"},
         {"$(LibExt)", "$(LibExt)", "_soft_single", "$(LibExt)"},
     };
     for (const auto& row : rows) {

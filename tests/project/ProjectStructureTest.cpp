@@ -215,4 +215,8 @@ TEST_F(ProjectStructure, ChildrenAreFoundByTheTextOfTheirNames) {
     EXPECT_EQ(system.findFile(root, "b.c"), nullptr);
     EXPECT_EQ(system.findFolder(root, "d"), node("d"));
     EXPECT_EQ(system.findFolder(root, "$(X)/a.c"), nullptr);
+    root = load("<folder Name=\"D\"/><configuration Name=\"D\" a=\"1\"/><configuration Name=\"D\" a=\"2\"/>");
+    EXPECT_EQ(system.findConfiguration(root, "D")->attribute("a"), "1");
+    EXPECT_EQ(root->configuration("D")->attribute("a"), "2");
+    EXPECT_EQ(system.findConfiguration(root, "E"), nullptr);
 }

@@ -123,6 +123,9 @@ TEST_F(XMLPP2Test, LoopsCopyTheirChildrenWithTheirMacros) {
     EXPECT_EQ(inRoot("<for index=\"i\" start=\"0x8\" end=\"20\" incr=\"0x5\"><a n=\"$(i)\"/></for>"),
               "a n=8, a n=13, a n=18");
     EXPECT_EQ(
+        inRoot("<for index=\"i\" start=\"0b10\" end=\"03\" incr=\"2\" add=\"0B11\"><a n=\"$(i_ap)\"/></for>"),
+        "a n=0, a n=2");
+    EXPECT_EQ(
         inRoot(
             "<for index=\"i\" start=\"0\" end=\"2\" incr=\"1\" sub=\"1\" mul=\"4\"><a n=\"$(i_ap)\"/></for>"),
         "a n=4294967295, a n=3");
