@@ -275,8 +275,6 @@ const QString& SourceBrowserCLexer::commentText() {
         for (size_t line = 0; line < m_commentLines.size(); ++line)
             text.append(line == 0 ? "" : "\n").append(m_commentLines[line]);
         m_commentText = decodedSource(text);
-        if (m_commentText.isNull())
-            m_commentText = "";
     }
     return m_commentText;
 }

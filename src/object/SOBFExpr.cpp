@@ -114,9 +114,8 @@ SOBFSection* sectionOf(SectionRule rule, SOBFSection* left, SOBFSection* right) 
     return nullptr;
 }
 
+/// The left value has not failed.
 SOBFExprValue combine(int op, SOBFExprValue left, SOBFExprValue right) {
-    if (left.failed)
-        return left;
     if (right.failed)
         return right;
     if (right.value == 0 && (op == TAG_DIVIDE || op == TAG_MODULUS))

@@ -97,6 +97,16 @@ TEST_F(ChangedSettings, CountInTheirOrderForEachKindOfStep) {
     }
 }
 
+TEST_F(ChangedSettings, OfInheritedConfigurationsCount) {
+    load("<configuration Name=\"Debug\" inherited_configurations=\"Base\"/><project Name=\"p\"/>");
+    const PropertyClass& setting = propertyClass(Setting::linker_output_format);
+    for (const auto& [configuration, count] : {std::pair{"Other", 0}, std::pair{"Base", 1}}) {
+        system.solutionElement()->clearMarks();
+        system.setProperty(node("p"), setting, configuration, "hex", false);
+        EXPECT_EQ(told(Action::Link).size(), count) << configuration;
+    }
+}
+
 TEST_F(ChangedSettings, OfFurtherToolsCountForTheirStep) {
     memory.write(QTx::applicationDirectory() + "/build_options.xml",
                  "<tools><option name=\"speed\" short=\"Speed\" type=\"String\" tool=\"compiler\"/>"

@@ -120,8 +120,10 @@ TEST_F(SettingResolution, ConfigurationsAreThoseThatSolutionsOffer) {
 }
 
 TEST_F(SettingResolution, ValuesReadAndWriteTheirNode) {
-    load("<configuration Name=\"Common\" macros=\"A=1\" build_quietly=\"No\"/><project Name=\"p\"/>");
+    load("<configuration Name=\"Common\" macros=\"A=1\" build_quietly=\"No\" "
+         "stage_command=\"cp $(ProjectName)\"/><project Name=\"p\"/>");
     ProjectElement* project = node("p");
+    EXPECT_EQ(system.settingForExpanded(project, propertyClass(Setting::stage_command), "D"), "cp p");
     ProjectPropertyValue quietly(system, &propertyClass(Setting::build_quietly), "D", project);
     EXPECT_TRUE(quietly.inherited());
     EXPECT_FALSE(quietly.toBool());

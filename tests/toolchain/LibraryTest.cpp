@@ -42,6 +42,24 @@ TEST(LibraryTest, EveryPrefixIsSafe) {
     }
 }
 
+TEST(LibraryTest, EveryDamageIsSafe) {
+    const std::string bytes = libraryBytes(entries);
+    int refused = 0;
+    for (size_t place = 0; place < bytes.size(); ++place) {
+        for (const char value : {'\0', ' ', '/', '9', '\xFF'}) {
+            std::string damaged = bytes;
+            damaged[place] = value;
+            try {
+                EXPECT_LT(Library(damaged).definer("two"), 3);
+            } catch (const HException& exception) {
+                EXPECT_EQ(exception.text(), "bad library");
+                ++refused;
+            }
+        }
+    }
+    EXPECT_GT(refused, 100);
+}
+
 /// A nameless member would be the index of a library that is made of it.
 TEST(LibraryTest, AMemberHasAName) {
     std::string bytes = libraryBytes({{"a", "text", {}}});

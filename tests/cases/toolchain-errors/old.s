@@ -1,0 +1,1 @@
+        .warning "an old spelling"
