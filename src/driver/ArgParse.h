@@ -30,10 +30,9 @@ public:
     int argifyLine(const std::string& fileName, int lineNumber, std::string_view line,
                    std::vector<std::string>& words);
 
-    static constexpr int maximumIndirectDepth = 100; ///< indirect files open at once
-    static constexpr int maximumIndirectFiles =
-        100'000; ///< all in all: two files that name each other twice never end
-    static constexpr size_t maximumLine = 1023; ///< bytes; what is longer counts as several lines
+    static constexpr int maximumIndirectDepth = 100;  ///< indirect files open at once
+    static constexpr int maximumIndirectFiles = 1000; ///< all in all, as files may name each other twice
+    static constexpr size_t maximumLine = 1023;       ///< bytes; what is longer counts as several lines
     static constexpr size_t maximumWords = 256;
 
 protected:
