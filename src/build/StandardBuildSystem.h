@@ -65,6 +65,8 @@ public:
     void commandFailed() override { setFailed(); }
     /// Where the step under way is on record, for a later run if this process is killed.
     void keepRecordsIn(const QString& directory) { m_unfinished.keepRecordsIn(directory); }
+    /// Decides by what earlier runs have left on record there, and changes nothing.
+    void heedRecordsIn(const QString& directory) { m_unfinished.heedRecordsIn(directory); }
 
     BuildAction buildAction(ProjectElement* element, const QString& config);
     static bool isSource(BuildAction action) { return action >= CompileC && action <= Assemble; }

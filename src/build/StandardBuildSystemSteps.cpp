@@ -205,7 +205,7 @@ void StandardBuildSystem::Step::begin() {
 void StandardBuildSystem::Step::look() {
     m_exists =
         m_system.exists(m_system.m_projectDirectory, m_output, m_fullOutput, m_time, m_builder, m_quiet);
-    if (m_exists && UnfinishedStep::isMark(m_time.toSecsSinceEpoch())) {
+    if (m_exists && m_system.m_unfinished.isUnfinished(m_fullOutput, m_time.toSecsSinceEpoch())) {
         m_system.because(m_output + " was not finished.", m_builder, m_quiet);
         m_exists = false;
     }

@@ -35,18 +35,32 @@ QByteArray statusOf(const QString& path) {
 }
 
 /// What the step has not touched stays as good as it was.
-void discard(const QString& output, const QByteArray& before) {
-    if (files().status(output).kind == FileStatus::File && statusOf(output) != before)
-        files().makeOldest(output);
+bool isTouched(const QString& output, const QByteArray& before) {
+    return files().status(output).kind == FileStatus::File && statusOf(output) != before;
 }
 
-void recover(const QString& path) {
+/// The paths of the records of processes that have ended.
+QStringList recordsLeftIn(const QString& directory) {
+    QStringList paths;
+    for (const QString& name : files().list(directory)) {
+        const QStringList parts = name.split(u'-');
+        if (name.startsWith(QLatin1String(recordName)) && startOf(parts[1]) != parts.value(2))
+            paths.append(directory + "/" + name);
+    }
+    return paths;
+}
+
+/// The output that a record tells of; null if it is none, or as good as before.
+QString unfinishedBy(const QString& path) {
     const FileBytes bytes = files().read(path);
     const QByteArray record(bytes.data.get(), static_cast<qsizetype>(bytes.size));
     const qsizetype begin = record.indexOf(' ') + 1;
     const QByteArray text = record.mid(begin, record.indexOf('\0') - begin);
-    if (const qsizetype end = text.indexOf('\n'); end > 0 && record.startsWith(recordOf(text)))
-        discard(toText(viewOf(text.mid(end + 1))), text.left(end));
+    const qsizetype end = text.indexOf('\n');
+    if (end < 0 || !record.startsWith(recordOf(text)))
+        return QString();
+    const QString output = toText(viewOf(text.mid(end + 1)));
+    return isTouched(output, text.left(end)) ? output : QString();
 }
 
 } // namespace
@@ -57,13 +71,16 @@ void UnfinishedStep::keepRecordsIn(const QString& directory) {
     if (start.isEmpty())
         return; // nothing would tell which records are of processes that still run
     m_record = directory + "/" + recordName + self + "-" + start;
-    for (const QString& name : files().list(directory)) {
-        const QStringList parts = name.split(u'-');
-        if (!name.startsWith(QLatin1String(recordName)) || startOf(parts[1]) == parts.value(2))
-            continue;
-        recover(directory + "/" + name);
-        files().remove(directory + "/" + name);
+    for (const QString& record : recordsLeftIn(directory)) {
+        if (const QString output = unfinishedBy(record); !output.isNull())
+            files().makeOldest(output);
+        files().remove(record);
     }
+}
+
+void UnfinishedStep::heedRecordsIn(const QString& directory) {
+    for (const QString& record : recordsLeftIn(directory))
+        m_left.insert(unfinishedBy(record));
 }
 
 void UnfinishedStep::begin() {
@@ -82,8 +99,8 @@ void UnfinishedStep::begin() {
 }
 
 void UnfinishedStep::spoil() {
-    if (!m_output.isNull())
-        discard(m_output, m_before);
+    if (!m_output.isNull() && isTouched(m_output, m_before))
+        files().makeOldest(m_output);
 }
 
 void UnfinishedStep::end(bool isThrough) {

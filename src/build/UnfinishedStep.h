@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QSet>
 #include <QString>
 
 /// The step under way, whose output doesn't count before the step is through, whatever its time: it may be
@@ -12,12 +13,16 @@
 /// the last step stands for those above it, which are due because it was.
 class UnfinishedStep {
 public:
-    /// Whether a file of this time, in seconds, is the output of a step that did not come to its end.
-    static bool isMark(qint64 time) { return time < -(qint64{1} << 30); }
+    /// Whether the output, of this time in seconds, is of a step that did not come to its end.
+    bool isUnfinished(const QString& output, qint64 time) const {
+        return time < -(qint64{1} << 30) || m_left.contains(output);
+    }
 
     /// Keeps records in the directory, where those of processes that have ended are looked at first. None are
     /// kept before, nor where they can't be written.
     void keepRecordsIn(const QString& directory);
+    /// Heeds the records of processes that have ended, and leaves them and the outputs as they are.
+    void heedRecordsIn(const QString& directory);
     /// The output of the next step, by its full path; empty if it has none of its own.
     void setOutput(const QString& path) { m_next = path; }
     /// A command of the step is about to run.
@@ -28,6 +33,7 @@ public:
     void end(bool isThrough);
 
 private:
+    QSet<QString> m_left; ///< outputs of records that are heeded
     QString m_next;
     QString m_output;          ///< of the step under way; null if there is none
     QByteArray m_before;       ///< its status as the step found it

@@ -41,6 +41,7 @@ ProjectSystem& loadedSolution(const QCommandLineParser& words) {
     auto* system = new MSP430ProjectSystem;
     projectSystem = system;
     auto* engine = new MSP430BuildSystem;
+    engine->heedRecordsIn(tarnLocalDataDir());
     system->setToolProperties(engine->toolProperties());
     defineMacros(words.values("define"));
     macroSystem.setSystemMacro("Platform", "msp430");

@@ -386,6 +386,8 @@ def unfinished(bin_dir):
     def killed_all(process):
         wait_for("reached")
         tree.end(process)
+        tree.expect(tree.run(["ostquery", "why", "app.vkp", "--config", "Debug", "--tarndir", tree.tarn]), 0,
+                    "  util.c -> Debug/util.vko: Debug/util.vko was not finished.\n")
 
     def killed_alone(process):  # the tool goes on, and comes to its end
         wait_for("reached")
