@@ -34,7 +34,7 @@ QByteArray statusOf(const QString& path) {
     return text;
 }
 
-/// What the step has not touched stays as good as it was.
+/// Whether the step has touched its output. If it has not, that is as good as it was.
 bool isTouched(const QString& output, const QByteArray& before) {
     return files().status(output).kind == FileStatus::File && statusOf(output) != before;
 }
@@ -79,8 +79,10 @@ void UnfinishedStep::keepRecordsIn(const QString& directory) {
 }
 
 void UnfinishedStep::heedRecordsIn(const QString& directory) {
-    for (const QString& record : recordsLeftIn(directory))
-        m_left.insert(unfinishedBy(record));
+    for (const QString& record : recordsLeftIn(directory)) {
+        if (const QString output = unfinishedBy(record); !output.isNull())
+            m_left.insert(output);
+    }
 }
 
 void UnfinishedStep::begin() {

@@ -41,7 +41,6 @@ ProjectSystem& loadedSolution(const QCommandLineParser& words) {
     auto* system = new MSP430ProjectSystem;
     projectSystem = system;
     auto* engine = new MSP430BuildSystem;
-    engine->heedRecordsIn(tarnLocalDataDir());
     system->setToolProperties(engine->toolProperties());
     defineMacros(words.values("define"));
     macroSystem.setSystemMacro("Platform", "msp430");
@@ -135,6 +134,7 @@ int SolutionQueries::runMacros(const QCommandLineParser& words, const QueryStrea
 
 int SolutionQueries::runWhy(const QCommandLineParser& words, const QueryStreams& streams) {
     ProjectElement* node = SolutionCommands::find(loadedSolution(words), nodeOf(words));
+    standardBuildSystem->heedRecordsIn(tarnLocalDataDir());
     return print(
         SolutionCommands::why(*standardBuildSystem, node, configurationOf(words), words.isSet("batch")),
         words, streams);
