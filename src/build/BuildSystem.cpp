@@ -329,7 +329,7 @@ QStringList BuildSystem::stringListSetting(const QString& prefix, ProjectElement
 
 const PropertyClass* BuildSystem::findPropertyClass(const QString& saveName) const {
     const PropertyClass* added = m_propertyClasses.value(saveName);
-    return added ? added : catalogueClass(saveName);
+    return added ? added : catalogueClass(saveName, projectSystem->frontDoor());
 }
 
 void BuildSystem::addPropertyClass(const PropertyClass* propertyClass) {

@@ -5,7 +5,7 @@
 
 void MSP430ProjectSystem::appendLinkerProperties(PropertyClassList& list) const {
     SOBFProjectSystem::appendLinkerProperties(list);
-    PropertyLists::appendMSP430LinkerProperties(list);
+    append(list, SettingTable::FamilyLinker);
 }
 
 QString MSP430ProjectSystem::libraryVariant(ProjectElement* project, const QString& configName) const {

@@ -6,6 +6,8 @@
 /// projects.
 class MSP430ProjectSystem : public SOBFProjectSystem {
 public:
+    using SOBFProjectSystem::SOBFProjectSystem;
+
     void appendLinkerProperties(PropertyClassList& list) const override;
     /// Takes the section placement file, which a setting names now, out of the projects, and applies their
     /// target's property group anew.

@@ -32,7 +32,8 @@ public:
 /// extensions and settings, MSP430ProjectSystem the processor.
 class ProjectSystem {
 public:
-    ProjectSystem() = default;
+    /// Only the settings that the front door knows exist.
+    explicit ProjectSystem(FrontDoor frontDoor = FrontDoor::Ostmake) : m_frontDoor(frontDoor) {}
     virtual ~ProjectSystem() = default;
     ProjectSystem(const ProjectSystem&) = delete;
     ProjectSystem& operator=(const ProjectSystem&) = delete;
@@ -72,6 +73,7 @@ public:
     virtual void munge(ProjectElement* element);
 
     // Settings.
+    FrontDoor frontDoor() const { return m_frontDoor; }
     /// The value of a setting for a solution, project, folder or file. Null only if nothing is stated and the
     /// class has no default. `info` and `origins`, either may be null, receive where it came from.
     QString settingFor(ProjectElement* element, const PropertyClass& propertyClass, const QString& configName,
@@ -177,6 +179,7 @@ private:
     bool upToDate1(ProjectElement* element, const PropertyClass& propertyClass, const QString& configName,
                    const QDateTime& since) const;
 
+    const FrontDoor m_frontDoor;
     std::unique_ptr<ProjectElement> m_solution;
     ElementMap m_solutions;
     Load m_load;

@@ -4,22 +4,17 @@
 
 void SOBFProjectSystem::appendCCompilerProperties(PropertyClassList& list) const {
     StandardProjectSystem::appendCCompilerProperties(list);
-    PropertyLists::appendSOBFCCompilerProperties(list);
-}
-
-void SOBFProjectSystem::appendAssemblerProperties(PropertyClassList& list) const {
-    StandardProjectSystem::appendAssemblerProperties(list);
-    PropertyLists::appendSOBFAssemblerProperties(list);
+    append(list, SettingTable::ToolChainCCompiler);
 }
 
 void SOBFProjectSystem::appendLinkerProperties(PropertyClassList& list) const {
     StandardProjectSystem::appendLinkerProperties(list);
-    PropertyLists::appendSOBFLinkerProperties(list);
+    append(list, SettingTable::ToolChainLinker);
 }
 
 void SOBFProjectSystem::appendArchiverProperties(PropertyClassList& list) const {
     StandardProjectSystem::appendArchiverProperties(list);
-    PropertyLists::appendSOBFArchiverProperties(list);
+    append(list, SettingTable::ToolChainArchiver);
 }
 
 QString SOBFProjectSystem::assemblyCodeFileExtension() const {

@@ -5,8 +5,9 @@
 /// The tool chain: its settings and the extensions of its files.
 class SOBFProjectSystem : public StandardProjectSystem {
 public:
+    using StandardProjectSystem::StandardProjectSystem;
+
     void appendCCompilerProperties(PropertyClassList& list) const override;
-    void appendAssemblerProperties(PropertyClassList& list) const override;
     void appendLinkerProperties(PropertyClassList& list) const override;
     void appendArchiverProperties(PropertyClassList& list) const override;
 

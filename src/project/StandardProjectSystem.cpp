@@ -5,24 +5,13 @@
 #include "properties/PropertyValueGroups.h"
 #include "xml/XMLDocument.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace {
 
 using enum Setting;
+using SettingTable::List;
 
-void append(PropertyClassList& list, std::initializer_list<Setting> settings) {
-    for (const Setting setting : settings)
-        list.appendUnique(&propertyClass(setting));
-}
-
-constexpr const char* compiledProjects[] = {"Executable", "Library", "Object file"};
-
-bool isCompiled(const QString& projectType) {
-    return std::any_of(std::begin(compiledProjects), std::end(compiledProjects),
-                       [&](const char* type) { return projectType == QLatin1String(type); });
-}
+constexpr unsigned compiledProjects =
+    SettingTable::Executable | SettingTable::Library | SettingTable::ObjectFile;
 
 } // namespace
 
@@ -45,15 +34,14 @@ PropertyClassList StandardProjectSystem::applicableClasses(ProjectElement* eleme
         break;
     case ProjectElement::Project:
         appendProjectProperties(list, projectType);
-        append(list, {build_exclude_from_build, build_always_rebuild});
+        append(list, SettingTable::Built);
         break;
     case ProjectElement::Folder:
         appendFolderProperties(list, projectType);
         break;
     case ProjectElement::File:
         if (projectType == "Staging")
-            append(list, {stage_output_filepath, stage_package_filepath, stage_package_member_name,
-                          stage_command, stage_command_wd, build_exclude_from_build, stage_set_readonly});
+            append(list, SettingTable::StagedFile);
         else
             appendFileProperties(list, element);
         break;
@@ -66,17 +54,18 @@ PropertyClassList StandardProjectSystem::applicableClasses(ProjectElement* eleme
 
 void StandardProjectSystem::appendFolderProperties(PropertyClassList& list,
                                                    const QString& projectType) const {
-    if (isCompiled(projectType)) {
+    const List ofType = PropertyLists::listOfProject(projectType);
+    if (ofType & compiledProjects) {
         appendProjectProperties(list, "Object file");
-        append(list, {build_intermediate_directory});
-    } else if (projectType == "Staging") {
+        append(list, SettingTable::CompiledFolder);
+    } else if (ofType == SettingTable::Staging) {
         appendProjectProperties(list, "Staging");
     }
-    append(list, {build_exclude_from_build, build_always_rebuild});
+    append(list, SettingTable::Built);
 }
 
 void StandardProjectSystem::appendFileProperties(PropertyClassList& list, ProjectElement* file) {
-    append(list, {file_codec, file_open_with, file_type, build_exclude_from_build, build_always_rebuild});
+    append(list, SettingTable::AnyFile);
     const QString type = getFileType(file);
     if (type == "C" || type == "C++")
         appendCCompilerProperties(list);
@@ -85,7 +74,7 @@ void StandardProjectSystem::appendFileProperties(PropertyClassList& list, Projec
     if (type == "Assembly")
         appendAssemblerProperties(list);
     if (type == "C" || type == "C++" || type == "Assembly")
-        append(list, {build_object_file_name});
+        append(list, SettingTable::CompiledFile);
 }
 
 /// The groups of the property groups file that the element names.
@@ -106,19 +95,20 @@ void StandardProjectSystem::appendGroups(PropertyValueList& values, ProjectEleme
 }
 
 void StandardProjectSystem::appendCCompilerProperties(PropertyClassList& list) const {
-    PropertyLists::appendCCompilerProperties(list, m_tools);
+    append(list, SettingTable::CCompiler);
 }
 
 void StandardProjectSystem::appendCppCompilerProperties(PropertyClassList& list) const {
-    PropertyLists::appendCppCompilerProperties(list);
+    append(list, SettingTable::CppCompiler);
 }
 
 void StandardProjectSystem::appendAssemblerProperties(PropertyClassList& list) const {
-    PropertyLists::appendAssemblerProperties(list, m_tools);
+    append(list, SettingTable::Assembler);
 }
 
 void StandardProjectSystem::appendLinkerProperties(PropertyClassList& list) const {
-    PropertyLists::appendLinkerProperties(list, m_tools);
+    append(list, SettingTable::Linker);
+    list.appendUnique(m_tools.linker);
 }
 
 void StandardProjectSystem::appendArchiverProperties(PropertyClassList&) const {}
@@ -126,33 +116,43 @@ void StandardProjectSystem::appendArchiverProperties(PropertyClassList&) const {
 void StandardProjectSystem::appendDefaultProjectValues(PropertyValueList&, const QString&) const {}
 
 void StandardProjectSystem::appendTargetProperties(PropertyClassList& list) const {
-    PropertyLists::appendTargetProperties(list);
+    append(list, SettingTable::Target);
 }
 
 void StandardProjectSystem::appendProjectProperties(PropertyClassList& list, const QString& type) const {
-    PropertyLists::appendProjectProperties(
-        list, type, [this](PropertyLists::Part part, PropertyClassList& to) { appendPart(part, to); });
+    append(list, SettingTable::AnyProject);
+    append(list, PropertyLists::listOfProject(type));
 }
 
 void StandardProjectSystem::appendSolutionProperties(PropertyClassList& list) const {
-    PropertyLists::appendSolutionProperties(
-        list, [this](PropertyLists::Part part, PropertyClassList& to) { appendPart(part, to); });
+    append(list, SettingTable::Solution);
 }
 
-void StandardProjectSystem::appendPart(PropertyLists::Part part, PropertyClassList& list) const {
+void StandardProjectSystem::append(PropertyClassList& list, List which) const {
+    PropertyLists::append(list, which, frontDoor(),
+                          [this](PropertyClassList& to, List part) { appendPart(to, part); });
+}
+
+/// A list within a list, as all layers together make it.
+void StandardProjectSystem::appendPart(PropertyClassList& list, List part) const {
     switch (part) {
-    case PropertyLists::Part::CCompiler:
+    case SettingTable::CCompiler:
         return appendCCompilerProperties(list);
-    case PropertyLists::Part::CppCompiler:
+    case SettingTable::CppCompiler:
         return appendCppCompilerProperties(list);
-    case PropertyLists::Part::Assembler:
+    case SettingTable::Assembler:
         return appendAssemblerProperties(list);
-    case PropertyLists::Part::Linker:
+    case SettingTable::Linker:
         return appendLinkerProperties(list);
-    case PropertyLists::Part::Archiver:
+    case SettingTable::Archiver:
         return appendArchiverProperties(list);
-    case PropertyLists::Part::Target:
+    case SettingTable::Target:
         return appendTargetProperties(list);
+    case SettingTable::Compilers:
+        append(list, part);
+        return list.appendUnique(m_tools.compiler);
+    default:
+        return append(list, part);
     }
 }
 

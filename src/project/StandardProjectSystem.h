@@ -6,6 +6,8 @@
 /// What every tool chain shares: which settings apply to which node, and the types of files.
 class StandardProjectSystem : public ProjectSystem {
 public:
+    using ProjectSystem::ProjectSystem;
+
     PropertyValueList applicableSettingsFor(ProjectElement* element, const QString& configName) override;
     QString getFileType(ProjectElement* file) override;
 
@@ -26,11 +28,15 @@ public:
     /// ".", and what assembly files of the target are called.
     virtual QString assemblyCodeFileExtension() const = 0;
 
+protected:
+    /// Appends the settings of a list, without repeats.
+    void append(PropertyClassList& list, SettingTable::List which) const;
+
 private:
     PropertyClassList applicableClasses(ProjectElement* element);
     void appendFolderProperties(PropertyClassList& list, const QString& projectType) const;
     void appendFileProperties(PropertyClassList& list, ProjectElement* file);
-    void appendPart(PropertyLists::Part part, PropertyClassList& list) const;
+    void appendPart(PropertyClassList& list, SettingTable::List part) const;
     void appendGroups(PropertyValueList& values, ProjectElement* element, const QString& configName);
     QString typeByExtension(ProjectElement* file) const;
 

@@ -1,50 +1,14 @@
 #include "properties/Catalogue.h"
 
-#include <QHash>
-#include <string_view>
-#include <vector>
+#include "properties/SettingTable.h"
 
-// The rows are constant data, and their texts are pointed at, never copied. The classes are made of them all
-// together at the first question.
+#include <QHash>
+
+// The classes are made of the rows all together at the first question.
 
 namespace {
 
-/// Who enters a setting in the catalogue, in the order in which they do.
-enum class SettingOwner { Project, Build, Standard, SOBF, MSP430 };
-
-struct Further {
-    std::string_view values = {};
-    int minimum = 0;
-    int maximum = 0;
-    std::string_view suffix = {};
-    bool perConfiguration = true;
-    bool readOnly = false;
-};
-
-/// A setting, or with an empty save name the beginning of a group: then the short and the long description
-/// are page and group.
-struct Row {
-    SettingOwner owner;
-    PropertyClass::Type type;
-    std::u16string_view saveName;
-    std::u16string_view defaultValue;
-    std::u16string_view shortDescription;
-    std::u16string_view longDescription;
-    Further further;
-};
-
-#define GROUP(page, group) {{}, {}, u"", u"", u"" page, u"" group, {}},
-#define NAMED_SETTING(enumerator, saveName, owner, type, defaultValue, shortDescription, longDescription,    \
-                      ...)                                                                                   \
-    {SettingOwner::owner,  PropertyClass::type, u"" saveName,        u"" defaultValue,                       \
-     u"" shortDescription, u"" longDescription, Further{__VA_ARGS__}},
-#define SETTING(name, ...) NAMED_SETTING(name, #name, __VA_ARGS__)
-constexpr Row rows[] = {
-#include "properties/CatalogueRows.inc"
-};
-#undef GROUP
-#undef SETTING
-#undef NAMED_SETTING
+using SettingTable::Row;
 
 QString textOf(std::u16string_view text) {
     return QString::fromRawData(reinterpret_cast<const QChar*>(text.data()), std::ssize(text));
@@ -52,70 +16,65 @@ QString textOf(std::u16string_view text) {
 
 QString textOf(std::string_view text) { return QString::fromLatin1(text.data(), std::ssize(text)); }
 
-PropertyClass makeClass(const Row& row, const QString& page, const QString& group) {
-    PropertyClass made(textOf(row.saveName), row.type, row.further.minimum, row.further.maximum, page, group,
-                       textOf(row.shortDescription), textOf(row.longDescription), 0);
+PropertyClass makeClass(const Row& row) {
+    const SettingTable::Columns& columns = row.columns;
+    PropertyClass made(textOf(row.saveName), row.type, columns.minimum, columns.maximum, textOf(row.page),
+                       textOf(row.group), textOf(row.shortDescription), textOf(row.longDescription), 0);
     made.setDefault(row.defaultValue.empty() ? QString() : textOf(row.defaultValue));
-    if (!row.further.values.empty())
-        made.setEnumerates(textOf(row.further.values).split(u';'));
-    if (!row.further.suffix.empty())
-        made.setSuffix(textOf(row.further.suffix));
-    made.setPerConfiguration(row.further.perConfiguration);
-    made.setReadOnly(row.further.readOnly);
+    if (!columns.values.empty())
+        made.setEnumerates(textOf(columns.values).split(u';'));
+    if (!columns.suffix.empty())
+        made.setSuffix(textOf(columns.suffix));
+    made.setPerConfiguration(columns.perConfiguration);
+    made.setReadOnly(columns.readOnly);
     return made;
 }
 
-struct Catalogue {
-    std::vector<PropertyClass> classes; ///< by enumerator
-    std::vector<SettingOwner> owners;
-    PropertyClassList list;
+std::vector<PropertyClass> makeClasses() {
+    std::vector<PropertyClass> made;
+    made.reserve(settingCount);
+    for (const Row& row : SettingTable::rows)
+        made.push_back(makeClass(row));
+    return made;
+}
+
+/// What one front door knows.
+class Catalogue {
+public:
+    explicit Catalogue(FrontDoor door) {
+        std::vector<const Row*> known = SettingTable::knownRows(SettingTable::rows, door);
+        for (const Row* row : known)
+            m_list.append(&propertyClass(row->setting));
+        std::ranges::stable_sort(known, {}, &Row::owner);
+        for (const Row* row : known)
+            m_byName.insert(propertyClass(row->setting).saveName(), &propertyClass(row->setting));
+    }
+    const PropertyClassList& list() const { return m_list; }
+    const PropertyClass* find(const QString& saveName) const { return m_byName.value(saveName); }
+
+private:
+    PropertyClassList m_list;
+    QHash<QString, const PropertyClass*> m_byName;
 };
 
-Catalogue makeCatalogue() {
-    Catalogue made;
-    made.classes.reserve(settingCount);
-    made.owners.reserve(settingCount);
-    made.list.reserve(settingCount);
-    QString page, group;
-    for (const Row& row : rows) {
-        if (row.saveName.empty()) {
-            page = textOf(row.shortDescription);
-            group = textOf(row.longDescription);
-            continue;
-        }
-        made.classes.push_back(makeClass(row, page, group));
-        made.owners.push_back(row.owner);
-        made.list.append(&made.classes.back());
+const Catalogue& catalogueOf(FrontDoor door) {
+    if (door == FrontDoor::Ost) {
+        static const Catalogue ost(FrontDoor::Ost);
+        return ost;
     }
-    return made;
-}
-
-const Catalogue& theCatalogue() {
-    static const Catalogue made = makeCatalogue();
-    return made;
-}
-
-QHash<QString, const PropertyClass*> makeClassesByName() {
-    QHash<QString, const PropertyClass*> made;
-    for (const SettingOwner owner : {SettingOwner::Project, SettingOwner::Build, SettingOwner::Standard,
-                                     SettingOwner::SOBF, SettingOwner::MSP430}) {
-        for (size_t i = 0; i < settingCount; ++i) {
-            if (theCatalogue().owners[i] == owner)
-                made.insert(theCatalogue().classes[i].saveName(), &theCatalogue().classes[i]);
-        }
-    }
-    return made;
+    static const Catalogue ostmake(FrontDoor::Ostmake);
+    return ostmake;
 }
 
 } // namespace
 
 const PropertyClass& propertyClass(Setting setting) {
-    return theCatalogue().classes[static_cast<size_t>(setting)];
+    static const std::vector<PropertyClass> classes = makeClasses();
+    return classes[static_cast<size_t>(setting)];
 }
 
-const PropertyClassList& catalogue() { return theCatalogue().list; }
+const PropertyClassList& catalogue(FrontDoor door) { return catalogueOf(door).list(); }
 
-const PropertyClass* catalogueClass(const QString& saveName) {
-    static const QHash<QString, const PropertyClass*> classes = makeClassesByName();
-    return classes.value(saveName);
+const PropertyClass* catalogueClass(const QString& saveName, FrontDoor door) {
+    return catalogueOf(door).find(saveName);
 }

@@ -26,12 +26,15 @@ constexpr size_t settingCount = 0
 #undef NAMED_SETTING
     ;
 
+/// The programs that build. Each knows all settings but those that the table marks for the other.
+enum class FrontDoor { Ostmake, Ost };
+
 /// The class of a setting; lasts as long as the program.
 const PropertyClass& propertyClass(Setting setting);
 
-/// All classes, by page and group.
-const PropertyClassList& catalogue();
+/// The classes that a front door knows, by page and group.
+const PropertyClassList& catalogue(FrontDoor door = FrontDoor::Ostmake);
 
-/// The class of this save name; null if there is none. Of several it is the one that was entered last: a
-/// library's file name, a dynamic folder's filter.
-const PropertyClass* catalogueClass(const QString& saveName);
+/// The class of this save name; null if there is none that the front door knows. Of several it is the one
+/// that was entered last: a library's file name, a dynamic folder's filter.
+const PropertyClass* catalogueClass(const QString& saveName, FrontDoor door = FrontDoor::Ostmake);

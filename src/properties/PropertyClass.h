@@ -114,4 +114,8 @@ public:
         if (!contains(propertyClass))
             append(propertyClass);
     }
+    void appendUnique(const PropertyClassList& others) {
+        for (const PropertyClass* each : others)
+            appendUnique(each);
+    }
 };

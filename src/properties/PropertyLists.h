@@ -1,11 +1,10 @@
 #pragma once
 
-#include "properties/PropertyClass.h"
+#include "properties/SettingColumns.h"
 
 #include <functional>
 
-/// Which settings apply where: the tables behind the lists that the layers of the project system offer. Each
-/// operation appends in the order of its table and drops repeats.
+/// Which settings apply where, as the table of settings has it.
 namespace PropertyLists {
 
 /// The classes that a tool properties file adds behind the built-in ones.
@@ -14,32 +13,14 @@ struct ToolProperties {
     PropertyClassList linker;
 };
 
-/// What every tool chain has.
-void appendCompilerProperties(PropertyClassList& list, const ToolProperties& tools);
-void appendCCompilerProperties(PropertyClassList& list, const ToolProperties& tools);
-void appendCppCompilerProperties(PropertyClassList& list);
-void appendAssemblerProperties(PropertyClassList& list, const ToolProperties& tools);
-void appendLinkerProperties(PropertyClassList& list, const ToolProperties& tools);
-void appendTargetProperties(PropertyClassList& list);
+/// Appends a list within a list.
+using AppendPart = std::function<void(PropertyClassList&, SettingTable::List)>;
 
-/// What the present tool chain adds behind that.
-void appendSOBFCCompilerProperties(PropertyClassList& list);
-void appendSOBFAssemblerProperties(PropertyClassList& list);
-void appendSOBFArchiverProperties(PropertyClassList& list);
-void appendSOBFLinkerProperties(PropertyClassList& list);
+/// Appends the settings of a list that the front door knows, in their order and without repeats. Lists within
+/// it go through `appendPart`, since layers extend them; those of C++ only where the target has C++.
+void append(PropertyClassList& list, SettingTable::List which, FrontDoor door, const AppendPart& appendPart);
 
-/// What the processor family adds behind that.
-void appendMSP430LinkerProperties(PropertyClassList& list);
-
-/// A list within a list, which the layers extend.
-enum class Part { CCompiler, CppCompiler, Assembler, Linker, Archiver, Target };
-/// Appends a part as all layers together make it.
-using AppendPart = std::function<void(Part, PropertyClassList&)>;
-
-/// The settings of a solution, and of a project of this type; of an unknown type, what all types share. The
-/// C++ part is asked for only where the target has C++.
-void appendSolutionProperties(PropertyClassList& list, const AppendPart& appendPart);
-void appendProjectProperties(PropertyClassList& list, const QString& projectType,
-                             const AppendPart& appendPart);
+/// What a project of this type has, behind what any project has; none for an unknown type.
+SettingTable::List listOfProject(const QString& projectType);
 
 } // namespace PropertyLists

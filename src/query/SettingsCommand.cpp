@@ -28,7 +28,7 @@ QJsonObject objectFor(const SettingOrigin& origin) {
 PropertyClassList classesFor(ProjectSystem& system, const SettingsRequest& request, ProjectElement* element) {
     PropertyClassList classes;
     for (const QString& name : request.names) {
-        const PropertyClass* named = catalogueClass(name);
+        const PropertyClass* named = catalogueClass(name, system.frontDoor());
         if (!named)
             throw QueryError{"can't find property '" + name + "'"};
         classes.appendUnique(named);
@@ -36,7 +36,7 @@ PropertyClassList classesFor(ProjectSystem& system, const SettingsRequest& reque
     if (!request.names.isEmpty())
         return classes;
     if (request.shown == Shown::All)
-        return catalogue();
+        return catalogue(system.frontDoor());
     for (const PropertyValue* value : system.applicableSettingsFor(element, request.configuration))
         classes.append(value->propertyClass());
     return classes;
