@@ -9,8 +9,6 @@ public:
     MSP430BuildSystem();
     ~MSP430BuildSystem() override;
 
-    bool commandUpToDate(ProjectElement* element, const QString& config, const QDateTime& time,
-                         BuildAction action, Builder* builder, bool quiet) override;
     /// Always true.
     bool appendBuildOptions(ProjectElement* element, const QString& config, BuildAction action,
                             QStringList& command, Builder* builder) override;

@@ -11,8 +11,6 @@ public:
     void createCommandFor(ProjectElement* element, const QString& config, BuildAction action,
                           const QString& output, const QString& fullOutput, const QStringList& inputs,
                           Builder* builder, bool quiet, bool clean) override;
-    bool commandUpToDate(ProjectElement* element, const QString& config, const QDateTime& time,
-                         BuildAction action, Builder* builder, bool quiet) override;
     DependencyList getObjectFileDependencies(const QString& directory, const QString& input,
                                              const QString& objectFile) override;
     QString preprocess(ProjectElement* element, const QString& config, Builder* builder) override;
@@ -31,12 +29,14 @@ public:
     static void addCommonPreprocessorDefinitions(QStringList& command);
     /// Where the tools lie.
     static QString toolRoot();
+    /// The name of the program for a kind of step, a bit of SettingTable::Step; null if there is none.
+    static const char* toolOf(unsigned step);
+
+protected:
+    /// Appends the words that settings have for the processor family.
+    void appendFamilyWords(ProjectElement* element, const QString& config, unsigned step,
+                           QStringList& command);
 
 private:
-    void compile(CommandWords& command, const QString& fullOutput);
-    void link(CommandWords& command, const QString& fullOutput);
-    void runLink(const CommandWords& command, const QString& fullOutput);
-    void archive(CommandWords& command, const QString& fullOutput);
-
-    static const TestedSetting testedSettings[];
+    void runBehindLink(const CommandWords& command, const QString& fullOutput);
 };

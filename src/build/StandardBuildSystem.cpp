@@ -12,6 +12,9 @@
 #include "macros/QTx.h"
 #include "memorymap/MemoryMapOpenFiles.h"
 #include "project/ProjectSystem.h"
+#include "properties/SettingColumns.h"
+
+#include <span>
 
 StandardBuildSystem* standardBuildSystem = nullptr;
 
@@ -75,6 +78,34 @@ StandardBuildSystem::KnownNode& StandardBuildSystem::known(ProjectElement* eleme
     const auto found = m_known.find(element);
     return found != m_known.end() ? *found
                                   : *m_known.insert(element, {findAction(element, m_knownConfig), {}});
+}
+
+unsigned StandardBuildSystem::stepOf(BuildAction action) {
+    switch (action) {
+    case CompileC:
+        return SettingTable::CompileC;
+    case CompileCpp:
+        return SettingTable::CompileCpp;
+    case CompileForth:
+        return SettingTable::CompileForth;
+    case CompileBasic:
+        return SettingTable::CompileBasic;
+    case Assemble:
+        return SettingTable::Assemble;
+    case Link:
+        return SettingTable::Link;
+    case Archive:
+        return SettingTable::Archive;
+    case Stage:
+        return SettingTable::Stage;
+    case Combine:
+        return SettingTable::Combine;
+    case NoAction:
+    case Excluded:
+    case External:
+        return 0;
+    }
+    return 0;
 }
 
 StandardBuildSystem::BuildAction StandardBuildSystem::findAction(ProjectElement* element,

@@ -7,7 +7,6 @@
 #include "properties/BuildOptions.h"
 
 #include <memory>
-#include <span>
 
 class MemoryMap;
 
@@ -51,8 +50,8 @@ public:
                                   const QString& output, const QString& fullOutput, const QStringList& inputs,
                                   Builder* builder, bool quiet, bool clean) = 0;
     /// Whether no setting that shapes the command of a step changed after `time`.
-    virtual bool commandUpToDate(ProjectElement* element, const QString& config, const QDateTime& time,
-                                 BuildAction action, Builder* builder, bool quiet);
+    bool commandUpToDate(ProjectElement* element, const QString& config, const QDateTime& time,
+                         BuildAction action, Builder* builder, bool quiet);
     /// What an object file was made from, as it tells itself; empty if it does not tell. Throws HException if
     /// it can't be read.
     virtual DependencyList getObjectFileDependencies(const QString& directory, const QString& input,
@@ -69,6 +68,8 @@ public:
     void heedRecordsIn(const QString& directory) { m_unfinished.heedRecordsIn(directory); }
 
     BuildAction buildAction(ProjectElement* element, const QString& config);
+    /// The kind of step that the table of settings knows it as; 0 if it knows none.
+    static unsigned stepOf(BuildAction action);
     static bool isSource(BuildAction action) { return action >= CompileC && action <= Assemble; }
     QString output(BuildAction action, ProjectElement* element, const QString& config, bool absolute);
     /// The number of steps at and under a node.
@@ -99,24 +100,9 @@ public:
     bool additionalOutputFileUpToDate(ProjectElement* element, const QString& config,
                                       const QString& fullOutput, Builder* builder, bool quiet);
 
-protected:
-    /// A setting that can make the steps of some actions out of date.
-    struct TestedSetting {
-        unsigned actions; ///< bits by the number of the action
-        Setting setting;
-    };
-    /// Whether none of the settings that count for the action changed after `time`.
-    bool settingsUpToDate(std::span<const TestedSetting> rows, ProjectElement* element, const QString& config,
-                          const QDateTime& time, BuildAction action, Builder* builder, bool quiet);
-    bool settingUpToDate(ProjectElement* element, const PropertyClass& propertyClass, const QString& config,
-                         const QDateTime& time, Builder* builder, bool quiet);
-    static constexpr unsigned bitOf(BuildAction action) { return 1U << action; }
-
 private:
     class Step;
     struct Force;
-
-    static const TestedSetting testedSettings[];
 
     /// What the walks of one build ask of a node again and again: for the count of steps, its own step, and
     /// the link that it goes into.
@@ -139,6 +125,8 @@ private:
                     QString& path);
     void appendLinkerFiles(ProjectElement* project, const QString& config, QStringList& list);
     bool fileBesideOutput(const QString& fullOutput, const QString& extension, Builder* builder, bool quiet);
+    bool settingUpToDate(ProjectElement* element, const PropertyClass& propertyClass, const QString& config,
+                         const QDateTime& time, Builder* builder, bool quiet);
     bool anySettingChanged(ProjectElement* element, const QString& config) const;
     void reportDue(ProjectElement* element, const QString& config, const QString& output,
                    const QString& reason);

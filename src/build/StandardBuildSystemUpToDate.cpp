@@ -13,118 +13,46 @@
 #include "project/MessageReceiver.h"
 #include "project/ProjectSystem.h"
 #include "properties/PropertyValueGroups.h"
+#include "properties/SettingTable.h"
 
 namespace {
 
-using enum Setting;
+using SettingTable::behindGroups;
+using TestedSetting = SettingTable::Placed<SettingTable::Outdates>;
 
-constexpr unsigned bit(StandardBuildSystem::BuildAction action) { return 1U << action; }
+constexpr std::vector<TestedSetting> makeTestedBeforeGroups(FrontDoor door) {
+    return column(SettingTable::rows, &SettingTable::Columns::outdates, door, {.end = behindGroups});
+}
 
-constexpr unsigned sources = bit(StandardBuildSystem::CompileC) | bit(StandardBuildSystem::CompileCpp) |
-                             bit(StandardBuildSystem::CompileForth) | bit(StandardBuildSystem::CompileBasic) |
-                             bit(StandardBuildSystem::Assemble);
-constexpr unsigned links = bit(StandardBuildSystem::Link);
-constexpr unsigned archives = bit(StandardBuildSystem::Archive);
-constexpr unsigned stages = bit(StandardBuildSystem::Stage);
-constexpr unsigned combines = bit(StandardBuildSystem::Combine);
+constexpr std::vector<TestedSetting> makeTestedBehindGroups(FrontDoor door) {
+    return column(SettingTable::rows, &SettingTable::Columns::outdates, door, {.from = behindGroups});
+}
 
 } // namespace
-
-// In the order in which they are tested.
-const StandardBuildSystem::TestedSetting StandardBuildSystem::testedSettings[] = {
-    {sources, file_type},
-    {links | archives, project_type},
-    {links, project_dependencies},
-    {sources | links, build_quietly},
-    {sources | links, build_debug_information},
-    {sources | links, build_treat_warnings_as_errors},
-    {sources | links, build_suppress_warnings},
-    {sources, c_additional_options},
-    {sources, c_only_additional_options},
-    {sources, cpp_only_additional_options},
-    {sources, asm_additional_options},
-    {sources, c_preprocessor_definitions},
-    {sources, c_preprocessor_undefinitions},
-    {sources, c_user_include_directories},
-    {sources, c_system_include_directories},
-    {sources, c_undefine_all_preprocessor_definitions},
-    {sources, c_enforce_ansi_checking},
-    {sources, cpp_enable_exceptions},
-    {sources, cpp_enable_rtti},
-    {sources, default_code_section},
-    {sources, default_data_section},
-    {sources, default_zeroed_section},
-    {sources, default_const_section},
-    {sources, default_vector_section},
-    {sources, compile_pre_build_command},
-    {sources, compile_pre_build_command_wd},
-    {sources, compile_post_build_command},
-    {sources, compile_post_build_command_wd},
-    {links, link_include_standard_libraries},
-    {links, link_standard_libraries_directory},
-    {links, link_use_multi_threaded_libraries},
-    {links, link_IOLibraryName},
-    {links, linker_additional_files},
-    {links, linker_additional_options},
-    {links, linker_memory_map_file},
-    {links, linker_memory_map_macros},
-    {links, linker_section_placement_file},
-    {links, linker_section_placement_macros},
-    {links, linker_output_format},
-    {links, linker_map_file},
-    {links, linker_printf_fp_enabled},
-    {links, linker_printf_width_precision_supported},
-    {links, linker_printf_fmt_level},
-    {links, linker_scanf_fp_enabled},
-    {links, linker_scanf_fmt_level},
-    {links, linker_scanf_character_group_matching_enabled},
-    {links, linker_pre_build_command},
-    {links, linker_pre_build_command_wd},
-    {links, linker_post_build_command},
-    {links, linker_post_build_command_wd},
-    {links, link_symbol_definitions},
-    {links, linker_keep_symbols},
-    {stages, stage_output_filepath},
-    {stages, stage_command},
-    {stages, stage_command_wd},
-    {stages, stage_set_readonly},
-    {stages, stage_post_build_command},
-    {stages, stage_post_build_command_wd},
-    {combines, combine_output_filepath},
-    {combines, combine_command},
-    {combines, combine_command_wd},
-    {combines, combine_set_readonly},
-};
 
 bool StandardBuildSystem::commandUpToDate(ProjectElement* element, const QString& config,
                                           const QDateTime& time, BuildAction action, Builder* builder,
                                           bool quiet) {
     if (!anySettingChanged(element, config))
         return true;
+    const auto isCurrent = [&](const PropertyClass* setting) {
+        return settingUpToDate(element, *setting, config, time, builder, quiet);
+    };
+    const auto areCurrent = [&, step = stepOf(action)](std::span<const TestedSetting> tested) {
+        return std::ranges::all_of(tested, [&](const TestedSetting& each) {
+            return !(each.steps & step) || isCurrent(&propertyClass(each.setting));
+        });
+    };
     PropertyClassList tools;
     if (isSource(action))
         tools = m_options.tools.compiler;
     else if (action == Link)
         tools = m_options.tools.linker;
-    for (const PropertyClass* toolProperty : tools) {
-        if (!settingUpToDate(element, *toolProperty, config, time, builder, quiet))
-            return false;
-    }
-    return settingsUpToDate(testedSettings, element, config, time, action, builder, quiet) &&
-           (!isSource(action) || propertyGroupsDefinesUpToDate(element, config, time, builder, quiet));
-}
-
-bool StandardBuildSystem::settingsUpToDate(std::span<const TestedSetting> rows, ProjectElement* element,
-                                           const QString& config, const QDateTime& time, BuildAction action,
-                                           Builder* builder, bool quiet) {
-    if (!anySettingChanged(element, config))
-        return true;
-    for (const TestedSetting& row : rows) {
-        if ((row.actions & bitOf(action)) &&
-            !settingUpToDate(element, propertyClass(row.setting), config, time, builder, quiet))
-            return false;
-    }
-    return true;
+    const FrontDoor door = projectSystem->frontDoor();
+    return std::ranges::all_of(tools, isCurrent) &&
+           areCurrent(SettingTable::constantsFor<makeTestedBeforeGroups>(door)) &&
+           (!isSource(action) || propertyGroupsDefinesUpToDate(element, config, time, builder, quiet)) &&
+           areCurrent(SettingTable::constantsFor<makeTestedBehindGroups>(door));
 }
 
 bool StandardBuildSystem::settingUpToDate(ProjectElement* element, const PropertyClass& propertyClass,
@@ -182,14 +110,14 @@ bool StandardBuildSystem::propertyGroupsDefinesUpToDate(ProjectElement* element,
 
 bool StandardBuildSystem::mapOutputFileUpToDate(ProjectElement* element, const QString& config,
                                                 const QString& fullOutput, Builder* builder, bool quiet) {
-    return settingFor(element, linker_map_file, config) != "Yes" ||
+    return settingFor(element, Setting::linker_map_file, config) != "Yes" ||
            fileBesideOutput(fullOutput, "map", builder, quiet);
 }
 
 bool StandardBuildSystem::additionalOutputFileUpToDate(ProjectElement* element, const QString& config,
                                                        const QString& fullOutput, Builder* builder,
                                                        bool quiet) {
-    const QString format = settingFor(element, linker_output_format, config);
+    const QString format = settingFor(element, Setting::linker_output_format, config);
     return format == "None" || fileBesideOutput(fullOutput, format, builder, quiet);
 }
 
