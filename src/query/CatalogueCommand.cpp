@@ -1,8 +1,9 @@
 #include "query/CatalogueCommand.h"
 
+#include "build/SOBFBuildSystem.h"
 #include "foundation/Text.h"
 #include "project/MSP430ProjectSystem.h"
-#include "properties/Catalogue.h"
+#include "properties/SettingTable.h"
 
 #include <QCommandLineParser>
 #include <QHash>
@@ -100,6 +101,56 @@ QString textOf(const PropertyClass& each, const QStringList& nodes) {
     return text;
 }
 
+/// How the words of a setting come about; null for words that take code.
+const char* nameOf(SettingTable::Form::Kind form) {
+    switch (form) {
+    case SettingTable::Form::Word:
+        return "word";
+    case SettingTable::Form::Value:
+        return "value";
+    case SettingTable::Form::OtherThanDefault:
+        return "other than default";
+    case SettingTable::Form::Entries:
+    case SettingTable::Form::ExpandedEntries:
+    case SettingTable::Form::EntriesOfExpanded:
+        return "entries";
+    case SettingTable::Form::Coded:
+        break;
+    }
+    return nullptr;
+}
+
+QJsonArray toolsOf(unsigned steps) {
+    QJsonArray tools;
+    for (const unsigned step : {SettingTable::CompileC, SettingTable::CompileCpp, SettingTable::Assemble,
+                                SettingTable::CompileBasic, SettingTable::CompileForth, SettingTable::Link}) {
+        if (const char* tool = SOBFBuildSystem::toolOf(steps & step))
+            tools.append(tool);
+    }
+    return tools;
+}
+
+/// What a setting adds to the command lines of tools, as far as its row says it without code.
+QJsonArray wordsOf(const PropertyClass& each) {
+    const auto row =
+        std::find_if(SettingTable::rows.begin(), SettingTable::rows.end(),
+                     [&](const SettingTable::Row& of) { return &propertyClass(of.setting) == &each; });
+    QJsonArray array;
+    for (const SettingTable::Words& words : row->columns.words) {
+        const char* form = nameOf(words.form.kind);
+        const QJsonArray tools = toolsOf(words.steps);
+        if (!form || tools.isEmpty())
+            continue;
+        QJsonObject object{{"tools", tools}, {"form", form}, {"text", words.form.text}};
+        if (words.condition.value)
+            object[words.condition.isWanted ? "when" : "unless"] = words.condition.value;
+        if (words.condition.setting)
+            object["setting"] = propertyClass(*words.condition.setting).saveName();
+        array.append(object);
+    }
+    return array;
+}
+
 QJsonObject jsonOf(const PropertyClass& each, const QStringList& nodes) {
     QJsonObject object{{"name", each.saveName()},
                        {"type", PropertyClass::typeName(each.type())},
@@ -110,7 +161,8 @@ QJsonObject jsonOf(const PropertyClass& each, const QStringList& nodes) {
                        {"meaning", each.longDescription()},
                        {"perConfiguration", each.perConfiguration()},
                        {"readOnly", each.readOnly()},
-                       {"nodes", QJsonArray::fromStringList(nodes)}};
+                       {"nodes", QJsonArray::fromStringList(nodes)},
+                       {"words", wordsOf(each)}};
     if (each.type() == PropertyClass::Enumeration)
         object["values"] = QJsonArray::fromStringList(each.enumerates());
     if (each.type() == PropertyClass::IntegerRange) {

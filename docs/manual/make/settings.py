@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """settings.py BIN [--accept]: the tables of settings in settings.md are what the programs in BIN say.
 
-What a setting is, `ostquery catalogue` tells. Which words it adds to which command stands in settings-words.txt, and is
-compared with the words of `ostmake -show` with and without the setting. With --accept both files are written anew; read
-them before they are committed.
+What a setting is, and which words it adds to which command as far as its row in the sources says so, `ostquery catalogue`
+answers. The rest stands in settings-words.txt: words that take code, what reads a setting without words, better examples.
+All words are compared with those of `ostmake -show` with and without the setting. With --accept both files are written
+anew; read them before they are committed.
 """
 import collections
 import itertools
@@ -35,18 +36,36 @@ FILES = {
 
 
 class Row:
-    """A line of settings-words.txt."""
+    """What one value of a setting adds; or what reads the setting, if it has no words."""
 
-    def __init__(self, line):
-        columns = [column.strip() for column in line.split("|")]
-        self.setting, self.value = columns[:2]
-        self.name = self.setting.split(" (")[0] if self.setting != "(Name)" else self.setting
-        self.reader = columns[2] if self.value == "none" else None
-        self.context = dict(re.findall(r'(\w+)="([^"]*)"', columns[2])) if self.value != "none" else {}
-        self.words = {}
-        for part in filter(None, columns[-1].split("; ")) if self.value != "none" else ():
-            tools, words = part.split(": ", 1)
-            self.words |= dict.fromkeys(tools.split(), words)
+    def __init__(self, setting, value, context, words, reader=None):
+        self.setting, self.value, self.context, self.words, self.reader = setting, value, context, words, reader
+        self.name = setting.split(" (")[0] if setting != "(Name)" else setting
+
+    @classmethod
+    def stated(cls, line):
+        """A line of settings-words.txt."""
+        setting, value, *rest = (column.strip() for column in line.split("|"))
+        if value == "none":
+            return cls(setting, value, {}, {}, rest[0])
+        words = {}
+        for part in filter(None, rest[-1].split("; ")):
+            tools, those = part.split(": ", 1)
+            words |= dict.fromkeys(tools.split(), those)
+        return cls(setting, value, dict(re.findall(r'(\w+)="([^"]*)"', rest[0])), words)
+
+    @classmethod
+    def derived(cls, setting, entry, entries):
+        """What the setting's own row in the sources says: a value for each of its words that are different."""
+        rows = {}
+        for words in entry["words"]:
+            value, context = example(words, entry), {}
+            if "setting" in words and words["when"] != entries[words["setting"]]["default"]:
+                context = {words["setting"]: words["when"]}
+            added = " ".join(words["text"] + part for part in parts_of(words, value))
+            row = rows.setdefault((value, *context.items()), cls(setting, value, context, {}))
+            row.words |= dict.fromkeys(words["tools"], added)
+        return list(rows.values())
 
     def words_text(self):
         """TOOL TOOL: WORDS; TOOL: WORDS; those that have the same words together."""
@@ -60,6 +79,25 @@ class Row:
             return f"{self.setting} | none | {self.reader}"
         context = " ".join(f'{name}="{value}"' for name, value in self.context.items())
         return f"{self.setting} | {self.value} | {context} | {self.words_text()}".replace("|  |", "| |").rstrip()
+
+
+def example(words, entry):
+    """A value with which the words are there."""
+    if words["form"] == "entries":
+        return "first;second"
+    if words["form"] == "other than default":
+        return "OTHER"
+    if "minimum" in entry:
+        return str(entry["maximum"])
+    if "when" in words and "setting" not in words:
+        return words["when"]
+    values = entry.get("values", ["Yes", "No"])
+    return next(value for value in values if value != words.get("unless"))
+
+
+def parts_of(words, value):
+    """What stands behind the text of each word."""
+    return value.split(";") if words["form"] == "entries" else [""] if words["form"] == "word" else [value]
 
 
 class Build:
@@ -115,8 +153,8 @@ def other_value(value, entry):
     return "No" if value == "Yes" else "Yes" if value == "No" else "other"
 
 
-def words_differ(rows, entries, build, accept):
-    """Complains of words that are not what a build says; takes them over with `accept`."""
+def words_differ(rows, entries, build, accepted):
+    """Complains of words that are not what a build says; takes them over for rows that are `accepted`."""
     wrong = []
     for row in rows:
         entry = entries[row.setting]
@@ -125,7 +163,7 @@ def words_differ(rows, entries, build, accept):
                 wrong.append(f"{row.setting} is said to be read by nothing, and adds {got}")
             continue
         got = build.added(row.name, row.value, other_value(row.value, entry), row.context)
-        if accept:
+        if row in accepted:
             row.words = got
         if got != row.words or not got:
             wrong.append(f"{row.setting} = {row.value} adds {got}, not {row.words}")
@@ -187,14 +225,17 @@ def main():
     entries = {entry["name"] if names[entry["name"]] == 1 else f"{entry['name']} ({entry['label']})": entry
                for entry in catalogue}
     text = data.read_text()
-    rows = [Row(line) for line in text.split("\n") if line and not line.startswith("#")]
+    stated = [Row.stated(line) for line in text.split("\n") if line and not line.startswith("#")]
+    rows = list(stated)
+    for key in entries.keys() - {row.setting for row in stated}:
+        rows += Row.derived(key, entries[key], entries)
     wrong = [f"settings-words.txt does not tell of {key}" for key in entries if all(row.setting != key for row in rows)]
     wrong += [f"settings-words.txt tells of {row.setting}, which is no setting" for row in rows if row.setting not in entries]
     if not wrong:
         with tempfile.TemporaryDirectory() as directory:
-            wrong = words_differ(rows, entries, Build(binaries, directory), accept)
+            wrong = words_differ(rows, entries, Build(binaries, directory), stated if accept else [])
     if not wrong:
-        made = iter(rows)
+        made = iter(stated)
         accepted = "\n".join(next(made).line() if line and not line.startswith("#") else line for line in text.split("\n"))
         before, _, rest = page.read_text().partition(begin)
         whole = before + tables(entries, rows) + rest.partition(end)[2]
