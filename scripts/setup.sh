@@ -11,6 +11,7 @@ packages=(
     cmark-gfm                                     # the manual: HTML, and whether its man pages are up to date
     valgrind                                      # the test of what fixed runs cost
     clang-14 libclang-rt-14-dev clang-format-14   # the fuzz targets, the format check
+    python3-clang-19 bubblewrap                   # the run that tells whether the tests see faults
 )
 
 missing=()
