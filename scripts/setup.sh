@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the packages that building and testing need, by name, on Debian 12. Prints nothing when all are there.
+# setup.sh [PACKAGE...]: installs packages by name on Debian 12: those that building and testing need, if none is named.
+# Prints nothing when all are there.
 set -euo pipefail
 
 packages=(
@@ -11,8 +12,8 @@ packages=(
     cmark-gfm                                     # the manual: HTML, and whether its man pages are up to date
     valgrind                                      # the test of what fixed runs cost
     clang-14 libclang-rt-14-dev clang-format-14   # the fuzz targets, the format check
-    python3-clang-19 bubblewrap                   # the run that tells whether the tests see faults
 )
+[ $# -eq 0 ] || packages=("$@")
 
 missing=()
 for package in "${packages[@]}"; do
